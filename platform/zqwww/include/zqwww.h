@@ -1,0 +1,21 @@
+// libzqwww: the platform's HTTP library.
+#ifndef ZQWWW_H
+#define ZQWWW_H
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#define ZQWWW_API __attribute__((visibility("default")))
+
+// Prepares the transport and TLS libraries for the process. Counted: each call is paired with one zqwww_term.
+// Returns 1, or 0 when they cannot be prepared. Any thread.
+ZQWWW_API int zqwww_init(void);
+// The last one gives back what the libraries hold. Without an init before, does nothing.
+ZQWWW_API void zqwww_term(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

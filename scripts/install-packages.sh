@@ -1,0 +1,24 @@
+#!/bin/sh
+# Installs the packages of packages.txt that are missing; silent and quick when none is.
+set -eu
+list=$(dirname "$0")/packages.txt
+wanted=$(sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$list")
+missing=
+for package in $wanted; do
+  state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) || state=
+  [ "$state" = installed ] || missing="$missing $package"
+done
+[ -n "$missing" ] || exit 0
+root=
+if [ "$(id -u)" -ne 0 ]; then
+  command -v sudo >/dev/null || {
+    echo "install-packages: missing:$missing; run as root, or install sudo" >&2
+    exit 1
+  }
+  root=sudo
+fi
+echo "installing:$missing"
+$root apt-get update -qq
+# One word a package is meant here.
+# shellcheck disable=SC2086
+DEBIAN_FRONTEND=noninteractive $root apt-get install -qq -y --no-install-recommends $missing >/dev/null
