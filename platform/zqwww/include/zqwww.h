@@ -16,6 +16,16 @@ ZQWWW_API void zqwww_term(void);
 
 #ifdef __cplusplus
 }
+
+// One HTTP exchange. The library calls back on a thread of its own, so an object is destroyed by a message to its
+// owner's queue and not from within a callback.
+class ZQWWW_API HTTP {
+ public:
+  HTTP();
+  HTTP(const HTTP&) = delete;
+  HTTP& operator=(const HTTP&) = delete;
+  virtual ~HTTP();
+};
 #endif
 
 #endif

@@ -1,0 +1,49 @@
+#include "ZQScreen.h"
+
+#include "ContrastScale.h"
+#include "ZQUtil.h"
+#include "ZQUtilPersistence.h"
+#include "ZQUtilTrace.h"
+#include "zq_ini.h"
+
+std::atomic<bool> bAutoMode = false;
+
+ZQScreen::ZQScreen(bool /*startSensor*/, int32_t brightness_, int32_t contrast_)
+    : brightness(brightness_), contrast(contrast_) {
+  ZQUTIL_TRACE("ZQUtil Setting Brightness to %d\n", brightness_);
+  ZQUTIL_TRACE("ZQUtil Setting Contrast to %d\n", contrast_);
+  bAutoMode = zq_GetINIFileAffirmative(kConfigSection, "autolight", "false", kSettingsFile);
+}
+
+int32_t ZQScreen::getBrightness() const {
+  const int32_t level = brightness;
+  ZQUTIL_TRACE("getBrightness returning %d\n", level);
+  return level;
+}
+
+void ZQScreen::setBrightness(int32_t level) {
+  ZQUTIL_TRACE("setBrightness %d (%d)\n", level, brightness.load());
+  brightness = level;
+  ZQUtil::AsyncConfigWrite(kConfigBrightness);
+}
+
+int32_t ZQScreen::getContrast() const {
+  const int32_t units = contrast;
+  ZQUTIL_TRACE("getContrast returning %d\n", units);
+  return units;
+}
+
+void ZQScreen::setContrast(int32_t boardUnits) {
+  ZQUTIL_TRACE("setContrast %d\n", boardUnits);
+  contrast = boardUnits;
+  ZQUtil::AsyncConfigWrite(kConfigContrast);
+}
+
+void ZQScreen::SetDimMode(bool on) {
+  bAutoMode = on;
+  ZQUtil::my_WriteINIFileString(kConfigSection, "autolight", on ? "true" : "false", kSettingsFile);
+}
+
+int32_t ZQScreen::BoardContrastToGUIContrast(int32_t board) const { return ContrastStepOfBoard(board); }
+
+int32_t ZQScreen::GUIContrastToBoardContrast(int32_t step) const { return ContrastBoardOfStep(step); }

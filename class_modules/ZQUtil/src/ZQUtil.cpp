@@ -1,0 +1,139 @@
+#include "ZQUtil.h"
+
+#include <sys/stat.h>
+
+#include "ZQDateTime.h"
+#include "ZQNetwork.h"
+#include "ZQScreen.h"
+#include "ZQSoftwareUpdate.h"
+#include "ZQUtilEntryPoints.h"
+#include "ZQUtilMethodTable.h"
+#include "ZQUtilPersistence.h"
+#include "ZQUtilTrace.h"
+#include "audio_volume.h"
+#include "mm_env.h"
+#include "zq_file.h"
+#include "zq_ini.h"
+#include "zqwww.h"
+
+std::atomic<int> ZQUtilTraceInstance = 0;
+int32_t ZQUtilInstanceCount = 0;
+std::atomic<uint32_t> ZQUtilMsgQHandle = 0;
+
+ZQUtil* ZQUtil::m_pInstance = nullptr;
+std::atomic<int32_t> ZQUtil::softwareUpdateCheckTime = 1800000;
+
+namespace {
+
+constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtil";
+constexpr char kDeviceManagementLibrary[] = "/brimvale/sorel/libzqdms.so";
+
+int32_t Setting(const char* key, int32_t fallback) {
+  return zq_GetINIFileInt(kConfigSection, key, fallback, kSettingsFile);
+}
+
+void TraceVolumeInfo() {
+  uint32_t freeKb = 0;
+  uint32_t availableKb = 0;
+  if (!zq_GetVolumeInfo("/media", &freeKb, &availableKb)) {
+    ZQUTIL_TRACE("Volume Info Failed\n");
+    return;
+  }
+  // Bytes in 32-bit arithmetic: volumes of 2 GiB and more show wrapped, which only the trace sees.
+  ZQUTIL_TRACE("Volume Info: %d bytes free, %d bytes available\n", static_cast<int32_t>(freeKb * 1024U),
+               static_cast<int32_t>(availableKb * 1024U));
+}
+
+}  // namespace
+
+ZQUtil* ZQUtil::Instance() {
+  ++ZQUtilInstanceCount;
+  if (m_pInstance == nullptr) m_pInstance = new ZQUtil;
+  if (ZQUtilTraceInstance != 0) ZQUTIL_TRACE("Creating ZQUtil Instance, count is %d\n", ZQUtilInstanceCount);
+  return m_pInstance;
+}
+
+void ZQUtil::Dereference() {
+  --ZQUtilInstanceCount;
+  if (ZQUtilTraceInstance != 0) ZQUTIL_TRACE("Destroying ZQUtil Instance, count is %d\n", ZQUtilInstanceCount);
+  if (ZQUtilInstanceCount > 0) return;
+  delete m_pInstance;
+  m_pInstance = nullptr;
+}
+
+ZQUtil::ZQUtil() : zq_MsgQ(nullptr, nullptr) {
+  zqwww_init();
+
+  const int32_t boardContrast = Setting("contrast", 17);
+  const int32_t phoneVolume = Setting("phoneVolume", 75);
+  const int32_t mediaVolume = Setting("mediaVolume", 75);
+  const int32_t micVolume = Setting("micVolume", 50);
+  const int32_t brightness = Setting("brightness", 255);
+  softwareUpdateCheckTime = Setting("updateTime", 1800000);
+
+  // With the device-management library installed, updates are its business and periodic checks are held back.
+  struct stat status = {};
+  updateAvailable = stat(kDeviceManagementLibrary, &status) == 0;
+
+  if (ZQUtilTraceInstance == 0) ZQUtilTraceInstance = zq_TraceCreate("zqutil", kSourceTag, __LINE__);
+  ZQUTIL_TRACE("ZQUtil Trace Instance Init\n");
+
+  network = new ZQNetwork(true);
+  audioVolume = new ZQAudioVolume(true, mediaVolume, phoneVolume, micVolume);
+  screen = new ZQScreen(true, brightness, boardContrast);
+  dateTime = new ZQDateTime(true);
+  ZQUTIL_TRACE("ZQUtil Created All Objects\n");
+
+  Create(nullptr, 0);
+  AsyncConfigWrite(kConfigBrightness);
+  AsyncConfigWrite(kConfigAudio);
+
+  if (zqUtil_applogLib != nullptr) {
+    appLogActivity = reinterpret_cast<decltype(appLogActivity)>(
+        zq_GetProcAddress(zqUtil_applogLib, "ZQLogApplicationActivity"));
+  }
+  TraceVolumeInfo();
+  ZQUTIL_TRACE("I do not think I am running on a tablet\n");
+}
+
+ZQUtil::~ZQUtil() {
+  ZQUTIL_TRACE("ZQUtil Destructor Begin\n");
+  // What was posted is still carried out, with the parts that it needs in place; after this no handler runs that
+  // could meet a part that is gone.
+  Drain();
+  ReleaseSoftwareUpdateList();
+  delete network;
+  network = nullptr;
+  delete audioVolume;
+  audioVolume = nullptr;
+  delete screen;
+  screen = nullptr;
+  delete dateTime;
+  dateTime = nullptr;
+  zqwww_term();
+  Destroy(false);
+  ZQUTIL_TRACE("ZQUtil Destructor End\n");
+  zq_TraceRelease(ZQUtilTraceInstance.exchange(0));
+}
+
+bool PostToModule(uint32_t type, uintptr_t param) {
+  const uint32_t queue = ZQUtilMsgQHandle;
+  return zq__MsgCreateCommonAndSend(queue, queue, type, 0, param, 0, false, 2, kSourceTag, __LINE__);
+}
+
+int32_t ZQUtil_constructor(void* self, uint32_t /*argc*/, zq_Value* /*argv*/, zq_Value* rval) {
+  engine::HostLog("ZQUtil Constructor start\n");
+  if (const auto setFinalizer = engine::SetFinalizer()) setFinalizer(self, ZQUtil_finalizer);
+  void* singleton = ZQUtil::Instance();
+  if (const auto setPrivate = engine::SetPrivate()) setPrivate(self, &singleton);
+  if (rval != nullptr) *rval = reinterpret_cast<zq_Value>(self);
+  engine::HostLog("ZQUtil Constructor end\n");
+  return 1;
+}
+
+int32_t ZQUtil_finalizer(void* /*self*/) {
+  engine::HostLog("ZQUtil Finalizer start\n");
+  ZQUtil::Dereference();
+  engine::HostLog("ZQUtil Finalizer end\n");
+  return 1;
+}

@@ -1,0 +1,146 @@
+// The one native object that all script objects of class ZQUtil share. It owns the device-facing parts and is the
+// module's message queue.
+#ifndef ZQUTIL_ZQUTIL_H
+#define ZQUTIL_ZQUTIL_H
+
+#include <atomic>
+#include <cstdint>
+
+#include "engine.h"
+#include "module_api.h"
+#include "zq_msgq.h"
+
+class ZQNetwork;
+class ZQAudioVolume;
+class ZQScreen;
+class ZQDateTime;
+
+// Messages that the module posts to its own queue; 0x10007 and 0x10008 are in ZQUtilPersistence.h.
+enum : uint32_t {
+  kMsgBackgroundScan = 0x1000c,
+  kMsgHttpObjectDone = 0x1000d,  // second parameter: the HTTP object to destroy
+  kMsgUpdateServerReached = 0x1000e,
+  kMsgUpdateServerNotReached = 0x1000f
+};
+
+// Timers of the module's queue.
+enum : uint32_t {
+  kTimerSoftwareUpdate = 1,  // shared by the update check and the connectivity check: both lead to the same check
+  kTimerNetworkStatus = 2,
+  kTimerTimeDrift = 3
+};
+
+// Script objects that share the singleton. Script thread only.
+extern int32_t ZQUtilInstanceCount;
+// The queue of the living singleton, set when the queue has started. After the singleton's end it names a queue that
+// is gone, which posts and timers refuse.
+extern std::atomic<uint32_t> ZQUtilMsgQHandle;
+
+class ZQUTIL_API ZQUtil : public zq_MsgQ {
+ public:
+  // The singleton, built by the first call; every call counts one sharer more. Script thread only.
+  static ZQUtil* Instance();
+  // One sharer less; the last one destroys the singleton. Script thread only.
+  static void Dereference();
+
+  ZQUtil();
+  ~ZQUtil() override;
+
+  // Queue thread only. Owns the message.
+  void MessageHandler(MSG_COMMON* message) override;
+
+  // Deferred persistence (ZQUtilPersistence.cpp). They copy their arguments and return without touching the disk;
+  // any thread.
+  static void my_WriteINIFileString(const char* section, const char* key, const char* value, const char* file);
+  static void my_WriteINIFileInt(const char* section, const char* key, int32_t value, const char* file);
+  static void AsyncNVRAMWrite(const char* key, const char* value);
+  static void AsyncConfigWrite(int32_t kind);
+
+  // Starts a check for updates, which is also the Internet connectivity test: it ends in a message "update server
+  // reached" or "not reached" (ZQSoftwareUpdate.cpp). Any thread.
+  void CheckForAvailableUpdates();
+  // Forgets the updates that were offered (ZQSoftwareUpdate.cpp).
+  void ReleaseSoftwareUpdateList();
+  // One step of the connectivity monitor, each second while it runs (ZqUtilNetwork.cpp). Queue thread only.
+  void HandleNetworkCheckTimer();
+
+  // The number at the start of the file's first line; 0 when there is none (ZQUtilPower.cpp).
+  static int32_t GetIntValueFromFileContents(const char* path);
+
+  // Script methods: the engine's native signature; 1 handled, 0 failure. Script thread only.
+  // Network (ZqUtilNetwork.cpp)
+  int32_t GetFirstTime(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetFirstTime(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  // Volumes (audio_volume_methods.cpp)
+  int32_t GetPhoneVolume(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetPhoneVolume(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t MutePhone(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t UnmutePhone(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetMediaVolume(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetMediaVolume(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetMicVolume(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetMicVolume(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t MuteMic(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t UnmuteMic(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  // Screen (ZQScreenMethods.cpp)
+  int32_t GetBrightness(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetBrightness(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetContrast(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetContrast(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetDimMode(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetDimMode(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  // Power (ZQUtilPower.cpp)
+  int32_t IsTablet(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t BatteryPct(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t ChargeStatus(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  // Settings and cache files (ZQUtilSettings.cpp)
+  int32_t GetIniSetting(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetIniSetting(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t DeleteIniFile(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t WriteFile(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t DeleteFile(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t UTF8Encode(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+
+  // The device-facing parts, owned. They stand while the queue handles messages.
+  ZQNetwork* network = nullptr;
+  ZQAudioVolume* audioVolume = nullptr;
+  ZQScreen* screen = nullptr;
+  ZQDateTime* dateTime = nullptr;
+
+  // Listener objects are the engine's, kept alive as properties of gLibObj. Written on the script thread, read on
+  // worker threads too.
+  std::atomic<void*> aboutListener = nullptr;
+  // Entry point of the application-log library, or null.
+  int32_t (*appLogActivity)(const char* application, const char* action, const char* detail) = nullptr;
+  std::atomic<void*> connectivityListener = nullptr;
+  // The result of the current connectivity check was already delivered.
+  std::atomic<bool> connectivityReported = false;
+  std::atomic<void*> getessidListener = nullptr;
+  std::atomic<bool> newInterfaces = false;
+  // One-second waits of the connectivity monitor for interfaces to appear.
+  std::atomic<int32_t> interfaceWaits = 0;
+  // Last reading of the time-drift check, seconds into the month; 0: none yet.
+  std::atomic<uint32_t> timeDriftSeconds = 0;
+
+  static ZQUtil* m_pInstance;
+  // Milliseconds between periodic update checks.
+  static std::atomic<int32_t> softwareUpdateCheckTime;
+
+ private:
+  void OnQueueStarted();
+  void OnTimer(uint32_t id, uintptr_t param);
+  void OnSoftwareUpdateTimer();
+  void OnNetworkStatusTimer(uintptr_t param);
+  void OnTimeDriftTimer();
+  void OnConnectSuccess(uint32_t socket);
+  void OnConnectFailure(uint32_t socket);
+  void OnBackgroundScan();
+  void ReportConnectivity(const char* trace, const char* method);
+  void SaveConfig(int32_t kind);
+};
+
+// Posts a message of the module to its own queue. False when there is no queue: what the parameter points to stays
+// the caller's. Any thread.
+bool PostToModule(uint32_t type, uintptr_t param);
+
+#endif

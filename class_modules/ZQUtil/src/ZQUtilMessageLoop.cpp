@@ -1,0 +1,168 @@
+// The queue thread's side of the singleton: every message, timer expiry and socket notice comes through here, one at
+// a time. Listeners are called from here without entering the engine first: the host lets this thread in call by call.
+#include "TimeDrift.h"
+#include "ZQNetwork.h"
+#include "ZQSoftwareUpdate.h"
+#include "ZQUtil.h"
+#include "ZQUtilPersistence.h"
+#include "ZQUtilTrace.h"
+#include "mm_env.h"
+#include "zq_memory.h"
+#include "zq_socket.h"
+#include "zq_system.h"
+#include "zq_thread.h"
+#include "zq_timer.h"
+#include "zqwww.h"
+
+namespace {
+
+constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtil";
+
+void CallListener(void* listener, const char* method) {
+  const auto callMethod = engine::CallMethod();
+  if (callMethod == nullptr) return;
+  zq_Value ignored = ZQ_VALUE_VOID;
+  callMethod(listener, method, 0, nullptr, &ignored);
+}
+
+}  // namespace
+
+void ZQUtil::MessageHandler(MSG_COMMON* message) {
+  switch (message->type) {
+    case ZQ_MSG_QUEUE_STARTED:
+      OnQueueStarted();
+      break;
+    case ZQ_MSG_TIMER:
+      OnTimer(message->param1, message->param2);
+      break;
+    case ZQ_MSG_SOCKET_CONNECTED:
+    case kMsgUpdateServerReached:
+      OnConnectSuccess(message->param1);
+      break;
+    case ZQ_MSG_SOCKET_FAILED:
+    case kMsgUpdateServerNotReached:
+      OnConnectFailure(message->param1);
+      break;
+    case ZQ_MSG_NEW_INTERFACES:
+      ZQUTIL_TRACE("ZQUtil Socket got a New Interfaces notification\n");
+      newInterfaces = true;
+      break;
+    case kMsgNVRAMWrite:
+      // A store that cannot be opened keeps record and message: whoever tends a device finds in a memory image what
+      // was never stored.
+      if (!WriteNVRAMRecord(reinterpret_cast<NVRAMWriteRecord*>(message->param2))) return;
+      break;
+    case kMsgConfigWrite:
+      SaveConfig(static_cast<int32_t>(message->param2));
+      break;
+    case kMsgBackgroundScan:
+      OnBackgroundScan();
+      break;
+    case kMsgHttpObjectDone:
+      // Here and nowhere else: the worker that used the object may still stand in one of its calls.
+      ZQUTIL_TRACE("ZQUtil Destroying an http object\n");
+      delete reinterpret_cast<HTTP*>(message->param2);
+      ZQUTIL_TRACE("ZQUtil Done destroying http object\n");
+      break;
+    default:
+      break;
+  }
+  zq__free(message, kSourceTag, __LINE__);
+}
+
+void ZQUtil::OnQueueStarted() {
+  ZQUtilMsgQHandle = Handle();
+  SetName("ZQUtil Class Module");
+  timeDriftSeconds = 0;
+  zq_TimerSet(ZQUtilMsgQHandle, kTimeDriftPeriodMs, kTimerTimeDrift, 0, 0, 0, "Adobe Time Drift Check", false);
+}
+
+void ZQUtil::OnTimer(uint32_t id, uintptr_t param) {
+  switch (id) {
+    case kTimerSoftwareUpdate:
+      OnSoftwareUpdateTimer();
+      break;
+    case kTimerNetworkStatus:
+      OnNetworkStatusTimer(param);
+      break;
+    case kTimerTimeDrift:
+      OnTimeDriftTimer();
+      break;
+    default:
+      break;
+  }
+}
+
+void ZQUtil::OnSoftwareUpdateTimer() {
+  zq_TimerSet(ZQUtilMsgQHandle, static_cast<uint32_t>(softwareUpdateCheckTime), kTimerSoftwareUpdate, 0, 0, 0,
+              "Subsequent Software Update Timer", false);
+  ZQUTIL_TRACE("ZQUtil Software Update Timer Fire (timer reset)\n");
+  if (updateAvailable && connectivityListener == nullptr) {
+    ZQUTIL_TRACE("ZQUtil Software Not checking for updates : pending flag is set\n");
+    return;
+  }
+  CheckForAvailableUpdates();
+}
+
+void ZQUtil::OnNetworkStatusTimer(uintptr_t param) {
+  if (param == 1) {
+    // A network restart begins: a result that is still on its way belongs to the network that was.
+    connectivityReported = true;
+    interfaceWaits = 0;
+  }
+  if (network == nullptr) return;
+  ZQUTIL_TRACE("ZQUtil Network State Check Timer, state is %d\n", network->connectionState.load());
+  HandleNetworkCheckTimer();
+}
+
+void ZQUtil::OnTimeDriftTimer() {
+  const uint32_t now = zq_SecondsIntoMonth();
+  if (ClockDrifted(timeDriftSeconds, now)) {
+    ZQUTIL_TRACE("Intentionally exiting due to Adobe Time Drift Bug\n");
+    AwaitConfigWrites();
+    zq_ExitProcess(0);
+  }
+  timeDriftSeconds = now;
+  zq_TimerSet(ZQUtilMsgQHandle, kTimeDriftPeriodMs, kTimerTimeDrift, 0, 0, 0, "Adobe Time Drift Check", false);
+}
+
+void ZQUtil::ReportConnectivity(const char* trace, const char* method) {
+  void* const listener = connectivityListener;
+  if (listener == nullptr || connectivityReported) return;
+  ZQUTIL_TRACE("%s", trace);
+  connectivityReported = true;
+  CallListener(listener, method);
+}
+
+void ZQUtil::OnConnectSuccess(uint32_t socket) {
+  ReportConnectivity("ZQUtil Sending Connectivity Listener Success\n", "onConnectSuccess");
+  zq_SocketClose(socket);
+}
+
+void ZQUtil::OnConnectFailure(uint32_t socket) {
+  ReportConnectivity("ZQUtil Sending Connectivity Listener Failure\n", "onConnectFailure");
+  ZQUTIL_TRACE("ZQUtil Socket Closed\n");
+  zq_SocketClose(socket);
+}
+
+void ZQUtil::OnBackgroundScan() {
+  ZQUTIL_TRACE("ZQUtil Get ESSID Message\n");
+  if (network != nullptr) network->getESSIDList(true, false, nullptr, false);
+  void* const listener = getessidListener;
+  if (listener == nullptr) return;
+  ZQUTIL_TRACE("ZQUtil calling onSSIDList\n");
+  CallListener(listener, "onSSIDList");
+  // One registration, one callback.
+  if (const auto setProperty = engine::SetProperty()) {
+    zq_Value none = ZQ_VALUE_NULL;
+    setProperty(gLibObj, "getessidListener", &none);
+  }
+  getessidListener = nullptr;
+}
+
+void ZQUtil::SaveConfig(int32_t kind) {
+  ZQUTIL_TRACE("ZQUtil Asynchronous config write (%d)\n", kind);
+  if (screen != nullptr && kind == kConfigContrast) SaveContrast(*screen);
+  if (audioVolume != nullptr && kind == kConfigAudio) SaveVolumes(*audioVolume);
+  if (screen != nullptr && kind == kConfigBrightness) SaveBrightness(*screen);
+}

@@ -1,0 +1,5 @@
+#include "zqwww.h"
+
+HTTP::HTTP() = default;
+
+HTTP::~HTTP() = default;
