@@ -72,15 +72,24 @@ set(ZQ_TEST_ENVIRONMENT
     "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1"
     "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp:halt_on_error=1:second_deadlock_stack=1")
 
-# zq_test(NAME files... [LIBS libs...] [SLOW] [TIMEOUT seconds])
-# One GoogleTest program, one ctest entry. SLOW keeps it out of the quick run.
+# zq_test(NAME files... [LIBS libs...] [SLOW] [DEVICE] [TIMEOUT seconds])
+# One GoogleTest program, one ctest entry. SLOW keeps it out of the quick run. DEVICE runs it on a simulated device
+# of its own, where "/proc/blctrl" and its like are that device's.
 function(zq_test name)
   if(NOT ZQ_BUILD_TESTS)
     return()
   endif()
-  cmake_parse_arguments(ARG "SLOW" "TIMEOUT" "LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "SLOW;DEVICE" "TIMEOUT" "LIBS" ${ARGN})
   add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
-  target_link_libraries(${name} PRIVATE ${ARG_LIBS} zq_test_support GTest::gmock GTest::gtest GTest::gtest_main)
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} zq_test_support GTest::gmock GTest::gtest)
+  if(ARG_DEVICE)
+    target_link_libraries(${name} PRIVATE zq_device_main)
+    if(TARGET zqsim)
+      add_dependencies(${name} zqsim)
+    endif()
+  else()
+    target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  endif()
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   add_test(NAME ${name} COMMAND ${name})
   zq_test_properties(${name} ${ARGN})
@@ -97,7 +106,7 @@ function(zq_script_test name)
 endfunction()
 
 function(zq_test_properties name)
-  cmake_parse_arguments(ARG "SLOW" "TIMEOUT" "LIBS;COMMAND" ${ARGN})
+  cmake_parse_arguments(ARG "SLOW;DEVICE" "TIMEOUT" "LIBS;COMMAND" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()

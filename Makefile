@@ -1,0 +1,59 @@
+# One entry for everything; `make help` lists it. Each target installs the Debian packages that are missing first.
+
+JOBS ?= $(shell nproc)
+DEVICE ?= device
+PRESETS_TESTED = release asan tsan
+
+.DEFAULT_GOAL := build
+.PHONY: help packages build run test quick lint bench fuzz coverage install format clean $(PRESETS_TESTED:%=test-%)
+
+help:  ## this list
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / {printf "  make %-10s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
+
+packages:
+	@scripts/install-packages.sh
+
+build: packages  ## build everything (build/bin, build/lib)
+	@cmake --preset release >build-configure.log 2>&1 || { cat build-configure.log; exit 1; }
+	@rm -f build-configure.log
+	@cmake --build --preset release -j $(JOBS)
+
+run: build  ## run the example script on a simulated home-phone in ./device
+	@build/bin/sorel --device $(DEVICE) examples/first.js
+	@scripts/show-device.sh $(DEVICE)
+
+test: lint test-release test-asan test-tsan test-clang  ## everything: lint, both compilers, all tests, sanitizers
+	@scripts/run-ctest.sh build
+
+quick: build  ## the tests that take seconds
+	@scripts/run-ctest.sh build -LE slow
+
+lint: packages  ## formatting, static analysis, shell scripts
+	@scripts/lint.sh
+
+test-asan test-tsan: test-%: packages
+	@scripts/test-preset.sh $*
+
+test-clang: packages
+	@scripts/build-preset.sh clang
+
+test-release: build
+
+bench: build  ## measure; every ratio comes from one run
+	@scripts/bench.sh build
+
+FUZZ_SECONDS ?= 30
+fuzz: packages  ## run every fuzz target for FUZZ_SECONDS each
+	@scripts/fuzz.sh $(FUZZ_SECONDS)
+
+coverage: packages  ## executed lines of class_modules and platform
+	@scripts/coverage.sh
+
+install: build  ## install below PREFIX (default /usr/local), DESTDIR honoured
+	@cmake --install build $(if $(PREFIX),--prefix $(PREFIX))
+
+format: packages  ## rewrite the sources in the house's format
+	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+clean:
+	rm -rf build build-asan build-tsan build-clang build-coverage build-fuzz

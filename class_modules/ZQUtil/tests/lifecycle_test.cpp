@@ -1,0 +1,210 @@
+// The singleton's life: built by the first script object, shared by all, gone with the last.
+#include <cstdio>
+#include <filesystem>
+
+#include "ZQScreen.h"
+#include "ZQUtilEntryPoints.h"
+#include "audio_volume.h"
+#include "module_fixture.h"
+#include "zq_timer.h"
+
+namespace {
+
+class LifecycleTest : public ModuleTest {
+ protected:
+  // Whether the update timer's expiry starts no check.
+  bool UpdateChecksHeldBack() {
+    ForgetTraces();
+    PostToQueue(ZQ_MSG_TIMER, 0, kTimerSoftwareUpdate);
+    Settle();
+    return Traces().find("ZQUtil Software Not checking for updates : pending flag is set\n") != std::string::npos;
+  }
+};
+
+TEST_F(LifecycleTest, TwoObjectsShareOneSingleton) {
+  Object& first = New();
+  ZQUtil* const singleton = ZQUtil::m_pInstance;
+  ASSERT_NE(singleton, nullptr);
+  EXPECT_TRUE(trace.Has("Creating ZQUtil Instance, count is 1"));
+  Settle();
+  ForgetTraces();
+  Object& second = New();
+  EXPECT_EQ(Traces(), "Creating ZQUtil Instance, count is 2\n") << "the second object creates nothing";
+  EXPECT_EQ(second.attached, first.attached);
+  EXPECT_EQ(ZQUtil::m_pInstance, singleton);
+
+  Drop(first);
+  EXPECT_TRUE(trace.Has("Destroying ZQUtil Instance, count is 1"));
+  EXPECT_EQ(ZQUtil::m_pInstance, singleton);
+  EXPECT_EQ(engine.Answer(second, "isTablet"), "no");
+  Drop(second);
+  EXPECT_TRUE(trace.Has("Destroying ZQUtil Instance, count is 0"));
+  EXPECT_EQ(ZQUtil::m_pInstance, nullptr);
+}
+
+TEST_F(LifecycleTest, TracesItsConstructionInOrder) {
+  std::filesystem::remove_all("/media");
+  New();
+  Settle();
+  // What the queue thread and the writers trace comes in between, at any place.
+  std::string mine;
+  for (const std::string& text : trace.Texts()) {
+    for (const char* expected :
+         {"ZQUtil MM_Init", "ZQUtil Trace Instance Init", "ZQUtil removing http proxy info",
+          "ZQUtil checking for hardware type", "ZQUtil harware type is 0", "ZQUtil Audio initialized to 75 75 50",
+          "ZQUtil Setting Brightness to 255", "ZQUtil Setting Contrast to 17", "ZQUtil Created All Objects",
+          "Volume Info Failed", "I do not think I am running on a tablet", "Creating ZQUtil Instance, count is 1"}) {
+      if (text == expected) mine += text + "\n";
+    }
+  }
+  EXPECT_EQ(mine,
+            "ZQUtil MM_Init\nZQUtil Trace Instance Init\nZQUtil removing http proxy info\n"
+            "ZQUtil checking for hardware type\nZQUtil harware type is 0\nZQUtil Audio initialized to 75 75 50\n"
+            "ZQUtil Setting Brightness to 255\nZQUtil Setting Contrast to 17\nZQUtil Created All Objects\n"
+            "Volume Info Failed\nI do not think I am running on a tablet\nCreating ZQUtil Instance, count is 1\n");
+  std::filesystem::create_directory("/media");
+}
+
+TEST_F(LifecycleTest, TracesTheVolumesRoomInBytesOf32Bits) {
+  New();
+  bool found = false;
+  for (const std::string& text : trace.Texts()) {
+    int free = 0;
+    int available = 0;
+    found = found || std::sscanf(text.c_str(), "Volume Info: %d bytes free, %d bytes available", &free, &available) == 2;
+  }
+  EXPECT_TRUE(found);
+}
+
+TEST_F(LifecycleTest, TracesItsEnd) {
+  Object& object = New();
+  Settle();
+  ForgetTraces();
+  Drop(object);
+  EXPECT_EQ(Traces(), "Destroying ZQUtil Instance, count is 0\nZQUtil Destructor Begin\nZQUtil Destructor End\n");
+}
+
+TEST_F(LifecycleTest, TracesUnderTheNameZqutilWhileItLives) {
+  Object& object = New();
+  Settle();
+  ForgetTraces();
+  EXPECT_EQ(trace.Lines().back().name, "zqutil");
+  EXPECT_EQ(trace.Lines().back().level, 10000);
+  Drop(object);
+  MM_Init(nullptr);
+  EXPECT_EQ(trace.Lines().back().name, "-");
+}
+
+TEST_F(LifecycleTest, TakesItsSettingsFromTheFile) {
+  WriteFile("zqutil.ini",
+            "[config]\nbrightness=100\nmediaVolume=30\nphoneVolume=20\nmicVolume=10\nupdateTime=60000\n");
+  New();
+  EXPECT_TRUE(trace.Has("ZQUtil Setting Brightness to 100"));
+  EXPECT_TRUE(trace.Has("ZQUtil Setting Contrast to 17"));
+  EXPECT_TRUE(trace.Has("ZQUtil Audio initialized to 30 20 10"));
+  EXPECT_EQ(ZQUtil::m_pInstance->screen->getBrightness(), 100);
+  EXPECT_EQ(ZQUtil::m_pInstance->screen->getContrast(), 17);
+  EXPECT_EQ(ZQUtil::m_pInstance->audioVolume->getPhoneVolume(), 30) << "the media setting is the one that counts";
+  EXPECT_EQ(ZQUtil::softwareUpdateCheckTime, 60000);
+}
+
+TEST_F(LifecycleTest, TakesTheDefaultsWithoutAFile) {
+  New();
+  EXPECT_EQ(ZQUtil::m_pInstance->screen->getBrightness(), 255);
+  EXPECT_EQ(ZQUtil::m_pInstance->audioVolume->getMediaVolume(), 75);
+  EXPECT_EQ(ZQUtil::m_pInstance->audioVolume->getMicVolume(), 50);
+  EXPECT_EQ(ZQUtil::softwareUpdateCheckTime, 1800000);
+}
+
+TEST_F(LifecycleTest, ReadsTheSettingsAgainForANewSingleton) {
+  Object& first = New();
+  Settle();
+  Drop(first);
+  Settle();
+  WriteFile("zqutil.ini", "[config]\ncontrast=25\nupdateTime=1000\n");
+  New();
+  EXPECT_EQ(ZQUtil::m_pInstance->screen->getContrast(), 25);
+  EXPECT_EQ(ZQUtil::softwareUpdateCheckTime, 1000);
+}
+
+TEST_F(LifecycleTest, TheDeviceManagementLibraryHoldsUpdateChecksBackAtEveryConstruction) {
+  const char* const library = "/brimvale/sorel/libzqdms.so";
+  WriteFile(library, "");
+  Object& first = New();
+  EXPECT_TRUE(UpdateChecksHeldBack());
+  Drop(first);
+  std::filesystem::remove(library);
+  Object& second = New();
+  EXPECT_FALSE(UpdateChecksHeldBack());
+  Drop(second);
+  WriteFile(library, "");
+  New();
+  EXPECT_TRUE(UpdateChecksHeldBack());
+  std::filesystem::remove(library);
+}
+
+TEST_F(LifecycleTest, SavesBrightnessAndVolumesOnceItRuns) {
+  New();
+  Settle();
+  EXPECT_EQ(StoredSetting("brightness"), "255");
+  EXPECT_EQ(StoredSetting("phoneVolume"), "75");
+  EXPECT_EQ(StoredSetting("mediaVolume"), "75");
+  EXPECT_EQ(StoredSetting("micVolume"), "50");
+  EXPECT_EQ(StoredSetting("contrast"), "<none>");
+  EXPECT_EQ(ReadFile("/proc/blctrl"), "255");
+}
+
+TEST_F(LifecycleTest, AVardo2IsOneWithAHardwareTypeAbove8046) {
+  StoreKey("hwinfo.type", "8046");
+  Object& first = New();
+  EXPECT_FALSE(trace.Has("This is a Vardo2"));
+  Drop(first);
+  StoreKey("hwinfo.type", "8047");
+  New();
+  EXPECT_TRUE(trace.Has("ZQUtil harware type is 8047"));
+  EXPECT_TRUE(trace.Has("This is a Vardo2"));
+}
+
+TEST_F(LifecycleTest, LivesWithoutAKeyStore) {
+  const ClosedKeyStore closed;
+  EXPECT_EQ(engine.Answer(New(), "isTablet"), "no");
+  EXPECT_TRUE(trace.Has("ZQUtil could not open nvram"));
+}
+
+TEST_F(LifecycleTest, AThousandObjectsMadeAndDroppedLeaveNothing) {
+  Object& keeper = New();
+  std::vector<Object*> objects;
+  for (int i = 0; i < 1000; ++i) objects.push_back(&New());
+  EXPECT_TRUE(trace.Has("Creating ZQUtil Instance, count is 1001"));
+  for (Object* object : objects) Drop(*object);
+  EXPECT_NE(ZQUtil::m_pInstance, nullptr);
+  Drop(keeper);
+  EXPECT_EQ(ZQUtil::m_pInstance, nullptr);
+}
+
+TEST_F(LifecycleTest, ConstructsAndEndsAHundredTimesWithoutLosingAWrite) {
+  for (int i = 1; i <= 100; ++i) {
+    Object& object = New();
+    engine.Answer(object, "setBrightness", {N(i % 100)});
+    engine.Answer(object, "setFirstTime", {S("round " + std::to_string(i))});
+    Drop(object);  // while posts and writers are under way
+    ASSERT_EQ(ReadFile("/proc/blctrl"), std::to_string(i % 100));
+    ASSERT_EQ(StoredKey("net.firsttime"), "round " + std::to_string(i));
+  }
+  Unload();
+  EXPECT_EQ(StoredSetting("brightness"), "0");
+}
+
+TEST_F(LifecycleTest, ItsQueueRefusesPostsAndTimersAfterItsEnd) {
+  Object& object = New();
+  const uint32_t queue = ZQUtil::m_pInstance->Handle();
+  Drop(object);
+  EXPECT_EQ(zq_TimerSet(queue, 1, 1, 0, 0, 0, "late", false), 0);
+  ForgetTraces();
+  ZQUtil::AsyncNVRAMWrite("net.firsttime", "late");
+  ZQUtil::AsyncConfigWrite(2);
+  EXPECT_EQ(Traces(), "");
+  EXPECT_EQ(StoredKey("net.firsttime"), "<none>");
+}
+
+}  // namespace

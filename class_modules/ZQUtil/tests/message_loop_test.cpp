@@ -1,0 +1,292 @@
+// The queue thread's side: each message, each timer, and the rule that ends the process when the clock drifts.
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "TimeDrift.h"
+#include "module_fixture.h"
+#include "zq_memory.h"
+#include "zq_socket.h"
+#include "zq_timer.h"
+#include "zqwww.h"
+
+namespace {
+
+using std::chrono::seconds;
+
+constexpr time_t kMonthStart = 1793491200;  // 2026-11-01T00:00:00 UTC
+
+class MessageLoopTest : public ModuleTest {
+ protected:
+  ZQUtil& Singleton() { return *ZQUtil::m_pInstance; }
+
+  // A running module whose start-up traces are behind it.
+  void Start() {
+    New();
+    Settle();
+    ForgetTraces();
+    engine.TakeCalls();
+  }
+
+  void Post(uint32_t type, uintptr_t param2 = 0, uint32_t param1 = 0) {
+    ASSERT_TRUE(PostToQueue(type, param2, param1));
+    Settle();
+  }
+
+  Object& Listen() {
+    Object& listener = engine.NewObject();
+    Singleton().connectivityListener = &listener;
+    Singleton().connectivityReported = false;
+    return listener;
+  }
+
+  uint32_t Remaining(uint32_t timer) { return zq_TimerTimeRemaining(Singleton().Handle(), timer, 0, 0); }
+
+  void SetSeconds(uint32_t intoMonth) { clock.SetWall({static_cast<time_t>(kMonthStart + intoMonth), 0}); }
+};
+
+TEST_F(MessageLoopTest, TheStartedQueueArmsTheTimeDriftCheckAndNoOtherTimer) {
+  Start();
+  EXPECT_EQ(Remaining(kTimerTimeDrift), 5000U);
+  EXPECT_EQ(Remaining(kTimerSoftwareUpdate), ZQ_TIMER_NOT_ARMED);
+  EXPECT_EQ(Remaining(kTimerNetworkStatus), ZQ_TIMER_NOT_ARMED);
+}
+
+TEST_F(MessageLoopTest, AQueueStartedMessageForgetsTheDriftReading) {
+  Start();
+  Singleton().timeDriftSeconds = 77;
+  Post(ZQ_MSG_QUEUE_STARTED);
+  EXPECT_EQ(Singleton().timeDriftSeconds, 0U);
+  EXPECT_EQ(Remaining(kTimerTimeDrift), 5000U);
+}
+
+TEST_F(MessageLoopTest, TheUpdateTimerArmsItselfAgainWithTheStoredPeriodAndChecks) {
+  WriteFile("zqutil.ini", "[config]\nupdateTime=60000\n");
+  Start();
+  Listen();
+  Post(ZQ_MSG_TIMER, 0, kTimerSoftwareUpdate);
+  EXPECT_EQ(Remaining(kTimerSoftwareUpdate), 60000U);
+  EXPECT_EQ(Traces().substr(0, Traces().find('\n') + 1), "ZQUtil Software Update Timer Fire (timer reset)\n");
+  EXPECT_EQ(engine.TakeCalls(), "onConnectFailure()") << "the check without a reachable server ends in a failure";
+}
+
+TEST_F(MessageLoopTest, APendingUpdateHoldsTheCheckBackUnlessAListenerWaitsForIt) {
+  WriteFile("/brimvale/sorel/libzqdms.so", "");
+  Start();
+  Post(ZQ_MSG_TIMER, 0, kTimerSoftwareUpdate);
+  EXPECT_EQ(Remaining(kTimerSoftwareUpdate), 1800000U);
+  EXPECT_EQ(Traces(),
+            "ZQUtil Software Update Timer Fire (timer reset)\n"
+            "ZQUtil Software Not checking for updates : pending flag is set\n");
+  Listen();
+  Post(ZQ_MSG_TIMER, 0, kTimerSoftwareUpdate);
+  EXPECT_EQ(engine.TakeCalls(), "onConnectFailure()");
+  unlink("/brimvale/sorel/libzqdms.so");
+}
+
+TEST_F(MessageLoopTest, ANetworkRestartStartsTheMonitorAfresh) {
+  Start();
+  Singleton().connectivityReported = false;
+  Singleton().interfaceWaits = 9;
+  Post(ZQ_MSG_TIMER, 0, kTimerNetworkStatus);
+  EXPECT_FALSE(Singleton().connectivityReported);
+  EXPECT_EQ(Singleton().interfaceWaits, 9);
+  Post(ZQ_MSG_TIMER, 1, kTimerNetworkStatus);
+  EXPECT_TRUE(Singleton().connectivityReported);
+  EXPECT_EQ(Singleton().interfaceWaits, 0);
+  EXPECT_EQ(Traces(),
+            "ZQUtil Network State Check Timer, state is 0\nZQUtil Network State Check Timer, state is 0\n");
+}
+
+TEST_F(MessageLoopTest, OtherTimersAndTypesAreIgnored) {
+  Start();
+  Post(ZQ_MSG_TIMER, 0, 4);
+  Post(ZQ_MSG_TIMER, 0, 0);
+  for (uint32_t type : {0U, 2U, 255U, 257U, 513U, 0x10006U, 0x10009U, 0x10010U, 0xFFFFFFFFU}) Post(type);
+  EXPECT_EQ(Traces(), "");
+  EXPECT_EQ(engine.TakeCalls(), "");
+}
+
+TEST_F(MessageLoopTest, OneCheckIsReportedOnce) {
+  for (uint32_t type : {static_cast<uint32_t>(ZQ_MSG_SOCKET_CONNECTED), static_cast<uint32_t>(kMsgUpdateServerReached)}) {
+    Start();
+    Listen();
+    Post(type);
+    Post(type);
+    EXPECT_EQ(engine.TakeCalls(), "onConnectSuccess()");
+    EXPECT_EQ(Traces(), "ZQUtil Sending Connectivity Listener Success\n");
+    Post(ZQ_MSG_SOCKET_FAILED);
+    EXPECT_EQ(engine.TakeCalls(), "") << "a late failure of the same check";
+  }
+}
+
+TEST_F(MessageLoopTest, AFailureIsReportedOnceAndItsSocketClosed) {
+  for (uint32_t type : {static_cast<uint32_t>(ZQ_MSG_SOCKET_FAILED), static_cast<uint32_t>(kMsgUpdateServerNotReached)}) {
+    Start();
+    Listen();
+    Post(type);
+    Post(type);
+    EXPECT_EQ(engine.TakeCalls(), "onConnectFailure()");
+    EXPECT_EQ(Traces(), "ZQUtil Sending Connectivity Listener Failure\nZQUtil Socket Closed\nZQUtil Socket Closed\n");
+  }
+}
+
+TEST_F(MessageLoopTest, WithoutAListenerNothingIsCalledAndTheFlagStays) {
+  Start();
+  Post(kMsgUpdateServerReached);
+  Post(kMsgUpdateServerNotReached);
+  EXPECT_FALSE(Singleton().connectivityReported);
+  EXPECT_EQ(engine.TakeCalls(), "");
+  EXPECT_EQ(Traces(), "ZQUtil Socket Closed\n");
+}
+
+TEST_F(MessageLoopTest, AConnectedSocketIsReportedAndClosed) {
+  Start();
+  const int server = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in address = {};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t length = sizeof address;
+  ASSERT_EQ(bind(server, reinterpret_cast<sockaddr*>(&address), length), 0);
+  ASSERT_EQ(listen(server, 1), 0);
+  ASSERT_EQ(getsockname(server, reinterpret_cast<sockaddr*>(&address), &length), 0);
+
+  const uint32_t client =
+      zq_SocketOpenTcpClient(Singleton().Handle(), "127.0.0.1", ntohs(address.sin_port), "test", __LINE__);
+  ASSERT_NE(client, 0U);
+  const int peer = accept4(server, nullptr, nullptr, SOCK_CLOEXEC);
+  ASSERT_GE(peer, 0);
+  char byte = 0;
+  EXPECT_EQ(read(peer, &byte, 1), 0) << "closed by the handler, though nobody listens";
+  EXPECT_EQ(zq_SocketDescriptor(client), -1);
+  close(peer);
+  close(server);
+}
+
+TEST_F(MessageLoopTest, WithoutCallMethodTheResultCountsAsReported) {
+  engine.Remove(ZQ_SLOT_CALL_METHOD);
+  Start();
+  Listen();
+  Post(kMsgUpdateServerReached);
+  EXPECT_TRUE(Singleton().connectivityReported);
+  EXPECT_EQ(engine.TakeCalls(), "");
+}
+
+TEST_F(MessageLoopTest, ListenersAreCalledWithoutEnteringTheEngineFirst) {
+  Start();
+  Listen();
+  Post(kMsgUpdateServerReached);
+  EXPECT_EQ(engine.TakeCalls(), "onConnectSuccess()") << "no <begin> or <end> around it";
+}
+
+TEST_F(MessageLoopTest, NotesNewInterfaces) {
+  Start();
+  Post(ZQ_MSG_NEW_INTERFACES);
+  EXPECT_TRUE(Singleton().newInterfaces);
+  EXPECT_EQ(Traces(), "ZQUtil Socket got a New Interfaces notification\n");
+}
+
+TEST_F(MessageLoopTest, ABackgroundScanCallsItsListenerOnce) {
+  Start();
+  Object& listener = engine.NewObject();
+  Singleton().getessidListener = &listener;
+  Post(kMsgBackgroundScan);
+  EXPECT_EQ(engine.TakeCalls(), "onSSIDList()");
+  EXPECT_EQ(engine.Show(engine.ClassObject().properties.at("getessidListener")), "<null>");
+  EXPECT_EQ(Singleton().getessidListener, nullptr);
+  Post(kMsgBackgroundScan);
+  EXPECT_EQ(engine.TakeCalls(), "");
+  EXPECT_EQ(Traces(), "ZQUtil Get ESSID Message\nZQUtil calling onSSIDList\nZQUtil Get ESSID Message\n");
+}
+
+class CountedHttp : public HTTP {
+ public:
+  explicit CountedHttp(std::atomic<int>& gone) : gone_(gone) {}
+  ~CountedHttp() override { ++gone_; }
+
+ private:
+  std::atomic<int>& gone_;
+};
+
+TEST_F(MessageLoopTest, DestroysAnHttpObjectOnItsOwnThread) {
+  Start();
+  std::atomic<int> gone = 0;
+  Post(kMsgHttpObjectDone, reinterpret_cast<uintptr_t>(static_cast<HTTP*>(new CountedHttp(gone))));
+  EXPECT_EQ(gone, 1);
+  Post(kMsgHttpObjectDone, 0);
+  EXPECT_EQ(Traces(),
+            "ZQUtil Destroying an http object\nZQUtil Done destroying http object\n"
+            "ZQUtil Destroying an http object\nZQUtil Done destroying http object\n");
+}
+
+TEST(TimeDriftRule, AllowsSixHundredSecondsAndNoneBack) {
+  EXPECT_FALSE(ClockDrifted(1000, 1600));
+  EXPECT_TRUE(ClockDrifted(1000, 1601));
+  EXPECT_TRUE(ClockDrifted(1000, 999));
+  EXPECT_FALSE(ClockDrifted(1000, 1000));
+  EXPECT_FALSE(ClockDrifted(0, 2000000)) << "the first check only records";
+  EXPECT_FALSE(ClockDrifted(0, 0));
+  EXPECT_TRUE(ClockDrifted(2591999, 4)) << "the turn of the month";
+}
+
+TEST_F(MessageLoopTest, TheFirstDriftCheckOnlyRecordsTheTime) {
+  Start();
+  SetSeconds(1000);
+  RunFor(clock, Singleton().Handle(), seconds(5));
+  EXPECT_EQ(Singleton().timeDriftSeconds, 1005U);
+  EXPECT_EQ(Remaining(kTimerTimeDrift), 5000U);
+}
+
+TEST_F(MessageLoopTest, LivesThroughADayOfAClockThatRunsTrue) {
+  SetSeconds(100);
+  Start();
+  RunFor(clock, Singleton().Handle(), std::chrono::hours(24));
+  EXPECT_EQ(Singleton().timeDriftSeconds, 100U + 86400U);
+}
+
+TEST_F(MessageLoopTest, LivesThroughAJumpOfSixHundredSeconds) {
+  Start();
+  SetSeconds(995);
+  RunFor(clock, Singleton().Handle(), seconds(5));
+  SetSeconds(1595);
+  RunFor(clock, Singleton().Handle(), seconds(5));
+  EXPECT_EQ(Singleton().timeDriftSeconds, 1600U);
+}
+
+// The rest ends the process, so each runs in one of its own.
+class TimeDriftDeathTest : public MessageLoopTest {
+ protected:
+  TimeDriftDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+
+  // Readings at two checks that follow each other.
+  [[noreturn]] void Live(uint32_t first, uint32_t second) {
+    zq_TraceRedirect("/tmp/drift.trace", 0);
+    SetSeconds(first - 5);
+    Start();
+    RunFor(clock, Singleton().Handle(), seconds(5));
+    ZQUtil::my_WriteINIFileString("config", "note", "stored just before", "zqutil.ini");
+    SetSeconds(second - 5);
+    clock.Advance(seconds(5));
+    pause();  // the queue thread ends the process
+    _exit(99);
+  }
+};
+
+TEST_F(TimeDriftDeathTest, AJumpOf601SecondsEndsTheProcessWithStatusZeroAndAWholeTrace) {
+  unlink("/tmp/drift.trace");
+  EXPECT_EXIT(Live(1000, 1601), testing::ExitedWithCode(0), "");
+  EXPECT_NE(ReadFile("/tmp/drift.trace").find("Intentionally exiting due to Adobe Time Drift Bug\n"),
+            std::string::npos);
+  EXPECT_EQ(StoredSetting("note"), "stored just before") << "what a script stored is not lost to the restart";
+}
+
+TEST_F(TimeDriftDeathTest, AClockSetBackByASecondEndsTheProcess) {
+  EXPECT_EXIT(Live(1000, 999), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(TimeDriftDeathTest, TheTurnOfTheMonthEndsTheProcess) {
+  constexpr uint32_t kNovember = 30 * 86400;
+  EXPECT_EXIT(Live(kNovember - 3, kNovember + 2), testing::ExitedWithCode(0), "");
+}
+
+}  // namespace

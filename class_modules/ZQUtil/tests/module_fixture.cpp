@@ -1,0 +1,107 @@
+#include "module_fixture.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+#include "ZQUtilEntryPoints.h"
+#include "ZQUtilPersistence.h"
+#include "nvram.h"
+#include "zq_ini.h"
+#include "zq_thread.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr char kStoreConfig[] = "/etc/fw_env.config";
+constexpr char kStoreConfigAside[] = "/etc/fw_env.config.aside";
+
+}  // namespace
+
+void ResetDevice() {
+  for (const auto& entry : fs::directory_iterator(".")) {
+    if (entry.path().extension() == ".ini") fs::remove(entry.path());
+  }
+  fs::remove_all("cache");
+  fs::create_directory("cache");
+  for (const char* copy : {"/var/lib/zq/nvram0", "/var/lib/zq/nvram1"}) fs::remove(copy);
+  WriteFile("/proc/blctrl", "0");
+  unsetenv("http_proxy");
+}
+
+std::string StoredSetting(const std::string& key, const std::string& file) {
+  char value[1025] = {};
+  zq_GetINIFileString("config", key.c_str(), "<none>", value, 1024, file.c_str());
+  return value;
+}
+
+std::string StoredKey(const std::string& key) {
+  const int store = nvram_open(0, 0);
+  if (store == -1) return "<closed>";
+  char value[2048] = {};
+  const int result = nvram_read_key(store, nullptr, key.c_str(), value, sizeof value);
+  nvram_close(store);
+  return result == 0 ? value : "<none>";
+}
+
+void StoreKey(const std::string& key, const std::string& value) {
+  const int store = nvram_open(0, 0);
+  ASSERT_NE(store, -1);
+  EXPECT_EQ(nvram_write_key(store, nullptr, key.c_str(), value.c_str()), 0);
+  nvram_close(store);
+}
+
+ClosedKeyStore::ClosedKeyStore() { fs::rename(kStoreConfig, kStoreConfigAside); }
+
+ClosedKeyStore::~ClosedKeyStore() { fs::rename(kStoreConfigAside, kStoreConfig); }
+
+ModuleTest::ModuleTest() { ResetDevice(); }
+
+ModuleTest::~ModuleTest() {
+  while (!live_.empty()) Drop(*live_.back());
+  Unload();
+}
+
+int32_t ModuleTest::Load(uint32_t bytes) {
+  loaded_ = true;
+  MM_Load();
+  return MM_InitWrapper(engine.Table(), bytes);
+}
+
+ModuleTest::Object& ModuleTest::New() {
+  if (!loaded_) Load();
+  Object& object = engine.Construct();
+  if (object.finalizer != nullptr) live_.push_back(&object);
+  return object;
+}
+
+void ModuleTest::Drop(Object& object) {
+  live_.erase(std::remove(live_.begin(), live_.end(), &object), live_.end());
+  BareEngine::Finalize(object);
+}
+
+void ModuleTest::Unload() {
+  while (!live_.empty()) Drop(*live_.back());
+  if (!loaded_) return;
+  MM_TermWrapper();
+  MM_Unload();
+  loaded_ = false;
+}
+
+void ModuleTest::Settle() {
+  if (ZQUtil::m_pInstance != nullptr) AwaitIdle(ZQUtil::m_pInstance->Handle());
+  ASSERT_TRUE(zq_ThreadAwaitEnd(threadConfigWrite, 60000));
+}
+
+bool ModuleTest::PostToQueue(uint32_t type, uintptr_t param2, uint32_t param1) {
+  const uint32_t queue = ZQUtil::m_pInstance->Handle();
+  return zq__MsgCreateCommonAndSend(queue, queue, type, param1, param2, 0, false, 2, "test", __LINE__);
+}
+
+std::string ModuleTest::Traces() const {
+  const std::vector<std::string> texts = trace.Texts();
+  std::string all;
+  for (size_t i = traceStart_; i < texts.size(); ++i) all += texts[i] + "\n";
+  return all;
+}

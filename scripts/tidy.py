@@ -1,0 +1,68 @@
+#!/usr/bin/env python3
+"""Runs clang-tidy over the sources of a build folder, two at a time.
+
+A source that was found clean is not looked at again until it, a header that it includes, its compile command or
+.clang-tidy changes: its preprocessed text is hashed and the hash kept in the build folder.
+"""
+
+import concurrent.futures
+import hashlib
+import json
+import os
+import pathlib
+import shlex
+import subprocess
+import sys
+
+
+def preprocessed_hash(command: dict, config: bytes) -> str:
+    words = shlex.split(command["command"])
+    if os.path.basename(words[0]) == "ccache":
+        words = words[1:]
+    output = words.index("-o")
+    del words[output : output + 2]
+    words = [word for word in words if word != "-c"] + ["-E", "-P"]
+    text = subprocess.run(words, cwd=command["directory"], capture_output=True, check=True).stdout
+    return hashlib.sha256(config + command["command"].encode() + text).hexdigest()
+
+
+def check(command: dict, build: pathlib.Path, config: bytes) -> tuple[str, str]:
+    stamp = build / "tidy" / preprocessed_hash(command, config)
+    if stamp.exists():
+        return command["file"], ""
+    result = subprocess.run(
+        ["clang-tidy", "--quiet", "-p", str(build), "--extra-arg=-Wno-unknown-warning-option", command["file"]],
+        capture_output=True,
+        text=True,
+        check=False,
+    )
+    if result.returncode == 0:
+        stamp.touch()
+        return command["file"], ""
+    return command["file"], result.stdout + result.stderr
+
+
+def main() -> int:
+    build = pathlib.Path(sys.argv[1])
+    (build / "tidy").mkdir(exist_ok=True)
+    config = pathlib.Path(".clang-tidy").read_bytes()
+    commands = {
+        command["file"]: command
+        for command in json.loads((build / "compile_commands.json").read_text())
+        if command["file"].endswith(".cpp")
+    }
+    failed = 0
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        jobs = [pool.submit(check, command, build, config) for command in commands.values()]
+        for job in concurrent.futures.as_completed(jobs):
+            source, report = job.result()
+            if report:
+                failed += 1
+                print(f"{source}:\n{report}")
+    if failed:
+        print(f"clang-tidy: {failed} of {len(jobs)} sources", file=sys.stderr)
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

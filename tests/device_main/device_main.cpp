@@ -1,0 +1,44 @@
+// A test program that runs on a simulated device of its own: it starts itself again on a fresh one, which is gone
+// when it ends. Works under ctest and by hand alike.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include "temp_dir.h"
+
+namespace {
+
+int RunOnDevice(char** argv) {
+  const TempDir folder;
+  std::string device = folder / "device";
+  std::vector<char*> words;
+  std::string fixed[] = {ZQ_SIM_PROGRAM, "run", device, "--"};
+  for (std::string& word : fixed) words.push_back(word.data());
+  std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
+  words.push_back(self.data());
+  for (int i = 1; argv[i] != nullptr; ++i) words.push_back(argv[i]);
+  words.push_back(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    execv(words[0], words.data());
+    std::perror(words[0]);
+    _exit(127);
+  }
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0) {
+  }
+  if (WIFSIGNALED(status)) std::fprintf(stderr, "ended by signal %d\n", WTERMSIG(status));
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (std::getenv("ZQ_DEVICE") == nullptr) return RunOnDevice(argv);
+  testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}
