@@ -13,24 +13,26 @@ class SectionEnd {
   void Pass(IniLineKind kind, size_t end) {
     if (kind == IniLineKind::kBlank) {
       afterBlank_ = true;
-      heading_.reset();
+      hasHeading_ = false;
       return;
     }
     if (kind != IniLineKind::kComment) {
-      heading_.reset();
+      hasHeading_ = false;
     } else if (afterBlank_) {
       heading_ = last_;
+      hasHeading_ = true;
     }
     afterBlank_ = false;
     last_ = end;
   }
   size_t AtEndOfFile() const { return last_; }
   // A comment that has a blank line above it and none below belongs to the section that follows.
-  size_t AtNextSection() const { return heading_.value_or(last_); }
+  size_t AtNextSection() const { return hasHeading_ ? heading_ : last_; }
 
  private:
-  size_t last_;                    // behind the last line that is not blank
-  std::optional<size_t> heading_;  // the same without the comment that may be a heading
+  size_t last_;         // behind the last line that is not blank
+  size_t heading_ = 0;  // the same without the comment that may be a heading
+  bool hasHeading_ = false;
   bool afterBlank_ = false;
 };
 
