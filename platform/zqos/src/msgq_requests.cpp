@@ -36,7 +36,6 @@ void MsgqLoop::Drain() {
 }
 
 void MsgqLoop::End(bool discard) {
-  QueueHandles().Remove(handle_);
   bool wake = false;
   bool own = false;
   {
@@ -49,6 +48,7 @@ void MsgqLoop::End(bool discard) {
     ForgetSockets();
     wake = TakeWaiting();
   }
+  QueueHandles().Remove(handle_);
   if (wake) poller_.Wake();
   if (!own) ended_->wait();
 }
