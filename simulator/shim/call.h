@@ -1,0 +1,21 @@
+// Calls whose path is their first argument, or follows a folder's descriptor, and that fail with -1.
+#ifndef ZQSIM_CALL_H
+#define ZQSIM_CALL_H
+
+#include "mapped_path.h"
+#include "next.h"
+
+template <Use use, typename Next, typename... Rest>
+auto Call(Next next, const char* path, Rest... rest) -> decltype(next(path, rest...)) {
+  const MappedPath at(path, use);
+  if (!at.Ok()) return -1;
+  return next(at.Text(), rest...);
+}
+
+template <Use use, typename Next, typename... Rest>
+int CallAt(Next next, int folder, const char* path, Rest... rest) {
+  const MappedPath at(path, use);
+  return at.Ok() ? next(folder, at.Text(), rest...) : -1;
+}
+
+#endif

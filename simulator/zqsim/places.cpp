@@ -1,0 +1,16 @@
+#include "places.h"
+
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+Places FindPlaces() {
+  std::error_code error;
+  const fs::path program = fs::read_symlink("/proc/self/exe", error);
+  Places places;
+  places.prefix = program.parent_path().parent_path();
+  places.shim = places.prefix / "lib" / "libzqsim.so";
+  if (!fs::exists(places.shim, error)) places.shim = places.prefix / ZQSIM_LIBRARY_FOLDER / "libzqsim.so";
+  places.profiles = places.prefix / "share" / "zqutil" / "profiles";
+  return places;
+}

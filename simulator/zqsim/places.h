@@ -1,0 +1,15 @@
+// Where the tool's own files are: beside the program, in the build folder as after installation.
+#ifndef ZQSIM_PLACES_H
+#define ZQSIM_PLACES_H
+
+#include <filesystem>
+
+struct Places {
+  std::filesystem::path prefix;    // holds bin, the libraries and share
+  std::filesystem::path shim;      // the preloaded library
+  std::filesystem::path profiles;  // a folder for each ready profile
+};
+
+Places FindPlaces();
+
+#endif
