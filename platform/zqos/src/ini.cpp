@@ -70,8 +70,9 @@ bool zq_WriteINIFileInt(const char* section, const char* key, int32_t value, con
 }
 
 bool zq_INIFilePath(const char* file, char* path, size_t size) {
-  if (file == nullptr || path == nullptr || size == 0) return false;
+  if (path == nullptr || size == 0) return false;
   path[0] = '\0';
+  if (OrEmpty(file)[0] == '\0') return false;
   try {
     const std::string found = IniFilePath(file);
     if (found.size() >= size) return false;
