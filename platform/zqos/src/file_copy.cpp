@@ -90,10 +90,10 @@ bool MayTake(const std::string& target, bool overwrite) {
   if (lstat(target.c_str(), &status) != 0) return errno == ENOENT;
   if (!overwrite) {
     errno = EEXIST;
-  } else if (S_ISDIR(status.st_mode)) {
-    errno = EISDIR;
-  } else {
+  } else if (S_ISREG(status.st_mode) || S_ISLNK(status.st_mode)) {
     return true;
+  } else {
+    errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;  // also: no file takes the place of a device
   }
   return false;
 }

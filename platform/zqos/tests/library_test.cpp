@@ -1,0 +1,94 @@
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "temp_dir.h"
+#include "trace_capture.h"
+#include "zq_file.h"
+#include "zq_system.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string PathOfZqos() {
+  Dl_info info{};
+  EXPECT_NE(dladdr(reinterpret_cast<const void*>(&zq_LoadLibrary), &info), 0);
+  return info.dli_fname;
+}
+
+// The platform installed in a folder of its own.
+class ElsewhereTest : public testing::Test {
+ protected:
+  ElsewhereTest() {
+    fs::copy_file(PathOfZqos(), folder_ / "libzqos.so");
+    zqos_ = dlopen((folder_ / "libzqos.so").c_str(), RTLD_NOW | RTLD_LOCAL);
+  }
+  ~ElsewhereTest() override {
+    if (zqos_ != nullptr) dlclose(zqos_);
+  }
+
+  void* Load(const char* name) const {
+    return reinterpret_cast<decltype(&zq_LoadLibrary)>(dlsym(zqos_, "zq_LoadLibrary"))(name);
+  }
+
+  TempDir folder_;
+  void* zqos_ = nullptr;
+};
+
+TEST(Library, OfTheSystemIsLoadedByItsName) {
+  void* library = zq_LoadLibrary("libm.so.6");
+  ASSERT_NE(library, nullptr);
+  EXPECT_NE(zq_GetProcAddress(library, "cos"), nullptr);
+  EXPECT_EQ(zq_GetProcAddress(library, "no_such_function"), nullptr);
+  zq_FreeLibrary(library);
+}
+
+TEST(Library, IsLoadedByItsPath) {
+  void* library = zq_LoadLibrary(PathOfZqos().c_str());
+  ASSERT_NE(library, nullptr);
+  EXPECT_EQ(zq_GetProcAddress(library, "zq_LoadLibrary"), reinterpret_cast<void*>(&zq_LoadLibrary));
+  zq_FreeLibrary(library);
+}
+
+TEST(Library, ThatIsMissingIsNullAndTheReasonTraced) {
+  const TraceCapture trace;
+  EXPECT_EQ(zq_LoadLibrary("libnot-here.so"), nullptr);
+  EXPECT_EQ(zq_LoadLibrary("/nowhere/libnot-here.so"), nullptr);
+  ASSERT_EQ(trace.Texts().size(), 2U);
+  EXPECT_THAT(trace.Texts()[0],
+              testing::MatchesRegex("cannot load libnot-here.so: .*No such file or directory"));
+}
+
+TEST(Library, WithoutANameIsNotTheProgramItself) {
+  EXPECT_EQ(zq_LoadLibrary(nullptr), nullptr);
+  EXPECT_EQ(zq_LoadLibrary(""), nullptr);
+  EXPECT_EQ(zq_GetProcAddress(nullptr, "malloc"), nullptr);
+  zq_FreeLibrary(nullptr);
+}
+
+TEST_F(ElsewhereTest, LibrariesAreFoundBesideThePlatform) {
+  fs::copy_file(folder_ / "libzqos.so", folder_ / "libonly-here.so");
+  ASSERT_NE(zqos_, nullptr) << dlerror();
+  void* library = Load("libonly-here.so");
+  EXPECT_NE(library, nullptr);
+  zq_FreeLibrary(library);
+  EXPECT_EQ(zq_LoadLibrary("libonly-here.so"), nullptr) << "not beside this one";
+}
+
+TEST_F(ElsewhereTest, ABrokenOneBesideThePlatformIsNotReplacedByTheSystems) {
+  WriteFile(folder_ / "libm.so.6",
+            "this is no library, and long enough to be looked at as one by the system's loader");
+  ASSERT_NE(zqos_, nullptr) << dlerror();
+  const TraceCapture trace;
+  EXPECT_EQ(Load("libm.so.6"), nullptr);
+  EXPECT_THAT(trace.Texts(), testing::ElementsAre(testing::HasSubstr(folder_ / "libm.so.6")));
+  void* systems = Load("libdl.so.2");
+  EXPECT_NE(systems, nullptr);
+  zq_FreeLibrary(systems);
+}
+
+}  // namespace
