@@ -45,11 +45,6 @@ bool WriteAt(int fd, const Bytes& bytes, int64_t offset) {
   return true;
 }
 
-// Where the copy begins; below 0 when it is counted from the end of what has none.
-int64_t Beginning(int fd, const CopyPlace& place) {
-  return place.offset >= 0 ? place.offset : lseek(fd, 0, SEEK_END) + place.offset;
-}
-
 }  // namespace
 
 CopyReading ReadCopy(const CopyPlace& place, bool redundant) {
@@ -58,17 +53,18 @@ CopyReading ReadCopy(const CopyPlace& place, bool redundant) {
     const bool absent = errno == ENOENT && !IsDevicePath(place.path);
     return {absent ? CopyState::Missing : CopyState::Unusable, {}, Reason(place.path, "cannot read", errno)};
   }
-  if (S_ISCHR(status.st_mode)) return {CopyState::Flash, {}, place.path + " is flash"};
+  if (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode))
+    return {CopyState::Device, {}, place.path + " is a device"};
   if (S_ISDIR(status.st_mode)) return {CopyState::Unusable, {}, Reason(place.path, "cannot read", EISDIR)};
-  if (!S_ISREG(status.st_mode) && !S_ISBLK(status.st_mode))
+  if (!S_ISREG(status.st_mode))
     return {CopyState::Unusable, {}, place.path + " is neither a file nor a device"};
-  if (S_ISREG(status.st_mode) && place.offset < 0)
+  if (place.offset < 0)
     return {CopyState::Unusable, {}, place.path + ": only a device can be counted from its end"};
 
   const int fd = open(place.path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return {CopyState::Unusable, {}, Reason(place.path, "cannot read", errno)};
   CopyReading reading{CopyState::Good, Bytes(place.size), {}};
-  const ssize_t count = ReadAt(fd, reading.image.data(), place.size, Beginning(fd, place));
+  const ssize_t count = ReadAt(fd, reading.image.data(), place.size, place.offset);
   const int error = errno;
   close(fd);
   if (count < 0) return {CopyState::Unusable, {}, Reason(place.path, "cannot read", error)};
@@ -111,7 +107,6 @@ std::string MakeCopy(const CopyPlace& place, const Bytes& image, const std::stri
 OpenCopy::OpenCopy(const CopyPlace& place)
     : place_(place), fd_(open(place.path.c_str(), O_RDWR | O_CLOEXEC)) {
   reason_ = errno;
-  if (fd_ >= 0) offset_ = Beginning(fd_, place);
 }
 
 OpenCopy::~OpenCopy() {
@@ -122,17 +117,8 @@ std::string OpenCopy::Why(const char* what) const {
   return Reason(place_.path, what, fd_ < 0 ? reason_ : errno);
 }
 
-std::string OpenCopy::Read(Bytes& image) const {
-  image.assign(place_.size, 0);
-  if (fd_ < 0) return Why("cannot open");
-  const ssize_t count = ReadAt(fd_, image.data(), image.size(), offset_);
-  if (count < 0) return Why("cannot read");
-  return static_cast<size_t>(count) < image.size() ? place_.path + " is shorter than its copy"
-                                                   : std::string();
-}
-
 std::string OpenCopy::Write(const Bytes& image) const {
-  if (fd_ < 0 || !WriteAt(fd_, image, offset_)) return Why("cannot write");
+  if (fd_ < 0 || !WriteAt(fd_, image, place_.offset)) return Why("cannot write");
   return Sync();
 }
 

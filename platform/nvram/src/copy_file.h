@@ -1,4 +1,4 @@
-// One copy on a regular file or block device: read, written in place, made.
+// One copy on a regular file: read, written in place, made.
 #ifndef ZQ_NVRAM_COPY_FILE_H
 #define ZQ_NVRAM_COPY_FILE_H
 
@@ -24,14 +24,13 @@ std::string MakeCopy(const CopyPlace& place, const Bytes& image, const std::stri
 // whoever wrote the bytes.
 class OpenCopy {
  public:
-  // For reading and writing. When it cannot be opened, every call reports it.
+  // When it cannot be opened, every call reports it.
   explicit OpenCopy(const CopyPlace& place);
   OpenCopy(const OpenCopy&) = delete;
   OpenCopy& operator=(const OpenCopy&) = delete;
   ~OpenCopy();
 
   // These return why they cannot, with the path, or "".
-  std::string Read(Bytes& image) const;
   std::string Write(const Bytes& image) const;  // on the disk when it returns
   std::string Sync() const;
 
@@ -41,7 +40,6 @@ class OpenCopy {
   const CopyPlace place_;
   int fd_;
   int reason_ = 0;  // errno of the opening
-  int64_t offset_ = 0;
 };
 
 #endif

@@ -33,26 +33,42 @@ bool IsEnded(std::span<const uint8_t> image, bool redundant) {
 }
 
 Bytes EmptyImage(size_t size, bool redundant, uint8_t counter) {
-  Bytes image(size);
-  const uint32_t checksum = Checksum(std::span(image).subspan(HeaderSize(redundant)));
+  return BuildImage({}, {}, size, redundant, counter).value_or(Bytes(size));
+}
+
+std::optional<Bytes> BuildImage(const Entries& entries, const std::string& flags, size_t size, bool redundant,
+                                uint8_t counter) {
+  const size_t header = HeaderSize(redundant);
+  std::string texts(header, '\0');
+  for (const auto& [key, value] : entries) texts.append(key).append("=").append(value).push_back('\0');
+  if (!flags.empty()) texts.append(flags).push_back('\0');
+  // One byte more: the empty text after the last.
+  if (texts.size() >= size) return std::nullopt;
+  Bytes image(texts.begin(), texts.end());
+  image.resize(size);
+  const uint32_t checksum = Checksum(std::span(image).subspan(header));
   std::memcpy(image.data(), &checksum, sizeof checksum);
   if (redundant) image[sizeof checksum] = counter;
   return image;
 }
 
-size_t FlagsRoom(std::span<const uint8_t> image, bool redundant) {
-  constexpr std::string_view kFlags = ".flags=";
-  // Per entry at most ":", two letters and a comma.
-  constexpr size_t kPerEntry = 4;
-  size_t room = 0;
+std::string FlagsText(std::span<const uint8_t> image, bool redundant) {
+  std::string_view flags;
   std::string_view texts = Texts(image, redundant);
   while (!texts.empty() && texts.front() != '\0') {
     const std::string_view text = texts.substr(0, texts.find('\0'));
-    if (text.starts_with(kFlags)) {
-      const auto entries = static_cast<size_t>(std::count(text.begin(), text.end(), ',')) + 1;
-      room = std::max(room, text.size() + entries * kPerEntry + 1);
-    }
+    if (text.starts_with(".flags=")) flags = text;
     texts.remove_prefix(std::min(text.size() + 1, texts.size()));
   }
-  return room;
+  return std::string(flags);
+}
+
+uint8_t Counter(std::span<const uint8_t> image, bool redundant) {
+  return redundant ? image[4] : 0;
+}
+
+size_t NewerCopy(uint8_t first, uint8_t second) {
+  if (first == 255 && second == 0) return 1;
+  if (first == 0 && second == 255) return 0;
+  return second > first ? 1 : 0;
 }

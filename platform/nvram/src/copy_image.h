@@ -5,10 +5,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <string>
+#include <utility>
 #include <vector>
 
 using Bytes = std::vector<uint8_t>;
+// Keys and values in the order of the keys.
+using Entries = std::vector<std::pair<std::string, std::string>>;
 
 // Bytes before the data.
 constexpr size_t HeaderSize(bool redundant) {
@@ -21,8 +26,16 @@ bool IsWhole(std::span<const uint8_t> image, bool redundant);
 bool IsEnded(std::span<const uint8_t> image, bool redundant);
 // A copy without keys.
 Bytes EmptyImage(size_t size, bool redundant, uint8_t counter);
-// The most bytes that the text of the key ".flags" (types and permissions of other keys, kept by boot
-// loaders) takes when the library writes it anew.
-size_t FlagsRoom(std::span<const uint8_t> image, bool redundant);
+// The same with these keys and values, and `flags` (what FlagsText gave) after them. None when they do not
+// fit.
+std::optional<Bytes> BuildImage(const Entries& entries, const std::string& flags, size_t size, bool redundant,
+                                uint8_t counter);
+// The text of the key ".flags", types and permissions of other keys that boot loaders keep; "" when there is
+// none.
+std::string FlagsText(std::span<const uint8_t> image, bool redundant);
+// 0 with one copy.
+uint8_t Counter(std::span<const uint8_t> image, bool redundant);
+// Which of two good copies counts, by their counters: 0 or 1. 0 follows 255; of equals the first.
+size_t NewerCopy(uint8_t first, uint8_t second);
 
 #endif

@@ -31,7 +31,10 @@ std::string PutImage(const CopyPlace& place, CopyState was, const Bytes& image, 
 std::string Restore(const StoreConfig& config, const std::vector<CopyReading>& copies, size_t bad) {
   const size_t good = 1 - bad;
   const std::string& like = config.copies[good].path;
-  const std::string why = PutImage(config.copies[bad], copies[bad].state, copies[good].image, like);
+  // The good copy becomes the only one for a while, so it has to be on the disk.
+  const OpenCopy source(config.copies[good]);
+  std::string why = source.Sync();
+  if (why.empty()) why = PutImage(config.copies[bad], copies[bad].state, copies[good].image, like);
   if (why.empty()) {
     zq_Trace(0, ZQ_TRACE_NORMAL, 1, true, "nvram: %s: mended from %s", copies[bad].why.c_str(), like.c_str());
     return {};
@@ -75,7 +78,6 @@ std::string EraseStore(const StoreConfig& config) {
   uint8_t counter = 1;  // the first copy is the newer one
   for (const CopyPlace& place : config.copies) {
     const CopyState state = ReadCopy(place, config.Redundant()).state;
-    if (state == CopyState::Flash) return place.path + " is flash, which the boot loader's tools prepare";
     const std::string why = PutImage(place, state, EmptyImage(place.size, config.Redundant(), counter--), {});
     if (!why.empty()) return why;
   }
@@ -84,7 +86,6 @@ std::string EraseStore(const StoreConfig& config) {
 
 bool HoldsStore(const StoreConfig& config) {
   const std::vector<CopyReading> copies = ReadCopies(config);
-  return std::any_of(copies.begin(), copies.end(), [](const CopyReading& copy) {
-    return copy.state == CopyState::Good || copy.state == CopyState::Flash;
-  });
+  return std::any_of(copies.begin(), copies.end(),
+                     [](const CopyReading& copy) { return copy.state == CopyState::Good; });
 }

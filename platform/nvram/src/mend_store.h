@@ -14,10 +14,10 @@ inline constexpr char kToolsLock[] = "/var/lock/fw_printenv.lock";
 // users.
 std::string MendStore(const StoreConfig& config);
 
-// Makes the copies empty, whatever they hold. Returns why it cannot, or "".
+// Makes the copies empty, whatever they hold; only on regular files. Returns why it cannot, or "".
 std::string EraseStore(const StoreConfig& config);
 
-// Whether a copy holds keys that EraseStore would lose, or cannot be looked at.
+// Whether a copy on a regular file is good.
 bool HoldsStore(const StoreConfig& config);
 
 #endif

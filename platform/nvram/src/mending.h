@@ -9,7 +9,7 @@ enum class CopyState {
   Damaged,   // of full length, but its CRC does not hold
   Unusable,  // shorter, without an end, or it cannot be read: the library would not open the store at all
   Missing,   // a regular file that is not there
-  Flash,     // behind a driver that only the library knows; it heals by the next write
+  Device,    // the library's own business; it heals by the next write
 };
 
 enum class Mending {

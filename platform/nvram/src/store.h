@@ -5,13 +5,11 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
+#include "copy_image.h"
 #include "file_lock.h"
+#include "library_context.h"
 #include "store_config.h"
-
-struct uboot_ctx;
 
 class Store {
  public:
@@ -19,11 +17,10 @@ class Store {
   static std::unique_ptr<Store> Open(const std::string& configPath, std::string& why);
   Store(const Store&) = delete;
   Store& operator=(const Store&) = delete;
-  ~Store();
+  ~Store() = default;
 
   std::optional<std::string> Get(const std::string& key) const;
-  // Key and value pairs in the order of the keys.
-  std::vector<std::pair<std::string, std::string>> List() const;
+  Entries List() const;
   // On the disk when it returns. Returns why it cannot, the old value kept, or "". A value that the key has
   // already is not written again: flash wears.
   std::string Set(const std::string& key, const std::string& value);
@@ -31,16 +28,16 @@ class Store {
   std::string Erase(const std::string& key);
 
  private:
-  Store(const std::string& configPath, StoreConfig config);
-  std::string Load(const std::string& configPath);
-  std::string Reload();
+  Store(std::string configPath, StoreConfig config);
+  std::string Load();
   std::string Write(const std::string& key, const char* value);
-  bool Fits(const std::string& key, const char* value, size_t flagsRoom) const;
+  std::string WriteDevices();
 
+  const std::string configPath_;
   FileLock turn_;
-  StoreConfig config_;
-  uboot_ctx* context_ = nullptr;
-  bool written_ = false;  // since it was read
+  const StoreConfig config_;
+  LibraryContext library_;
+  bool stale_ = false;  // the library must read the copies before it writes them
 };
 
 #endif

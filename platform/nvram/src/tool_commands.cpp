@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 
+#include "device_store.h"
 #include "file_lock.h"
 #include "mend_store.h"
 #include "store.h"
@@ -43,6 +44,18 @@ ToolAnswer WithStore(const std::function<ToolAnswer(Store&)>& action) {
   return store ? action(*store) : Failed(why);
 }
 
+constexpr char kHeld[] = " holds a store already; nvram init --force empties it";
+
+std::string InitFiles(const StoreConfig& config, bool force) {
+  const FileLock tools(kToolsLock, O_WRONLY | O_CREAT);
+  return !force && HoldsStore(config) ? config.copies[0].path + kHeld : EraseStore(config);
+}
+
+std::string InitDevices(const std::string& path, const StoreConfig& config, bool force) {
+  return !force && LibraryFindsStore(path) ? config.copies[0].path + kHeld
+                                           : EraseThroughLibrary(path, config);
+}
+
 ToolAnswer Init(const Words& words) {
   const bool force = words.size() == 1;
   if (force && words[0] != "--force") return {kToolUsage, {}, "init knows --force, not " + words[0]};
@@ -52,10 +65,7 @@ ToolAnswer Init(const Words& words) {
   if (!why.empty()) return Failed(why);
   const FileLock turn(path, O_RDONLY);
   if (!turn.Held()) return Failed("cannot lock " + path + ": " + strerror(errno));
-  const FileLock tools(kToolsLock, O_WRONLY | O_CREAT);
-  if (!force && HoldsStore(config))
-    return Failed(config.copies[0].path + " holds a store already; nvram init --force empties it");
-  why = EraseStore(config);
+  why = IsOnDevice(config) ? InitDevices(path, config, force) : InitFiles(config, force);
   return why.empty() ? Done() : Failed(why);
 }
 
