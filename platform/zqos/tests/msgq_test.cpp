@@ -1,8 +1,10 @@
 // Posting to a queue: order, handles, the first message.
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <array>
 #include <latch>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -81,6 +83,116 @@ TEST(MsgqTest, APostInFrontGoesAheadOfWhatWaits) {
   posted.count_down();
   queue.Drain();
   EXPECT_EQ(queue.Take(), "0,3,1,2");
+}
+
+TEST(MsgqTest, AHandleIsNotGivenOutAgain) {
+  std::set<uint32_t> handles;
+  for (int i = 0; i < 300; ++i) {
+    RecordingQueue queue;
+    queue.Start();
+    EXPECT_TRUE(handles.insert(queue.Handle()).second);
+    queue.Destroy(true);
+  }
+  for (const uint32_t handle : handles) {
+    EXPECT_FALSE(Post(handle, kType));
+    EXPECT_EQ(zq_MsgQPending(handle), 0U);
+  }
+  EXPECT_FALSE(Post(0, kType));
+  EXPECT_EQ(zq_MsgQPending(0), 0U);
+}
+
+TEST(MsgqTest, TwoQueuesPostToEachOther) {
+  constexpr uint32_t kRounds = 10'000;
+  // Returns the ball to whoever sent it.
+  const auto play = [](const MSG_COMMON& message) {
+    if (message.type != kType || message.param1 == kRounds) return;
+    EXPECT_TRUE(zq__MsgCreateCommonAndSend(message.source, message.destination, kType, message.param1 + 1, 0,
+                                           0, false, 0, __FILE__, __LINE__));
+  };
+  RecordingQueue one(play, [](const MSG_COMMON&) { return ""; });
+  RecordingQueue two(play, [](const MSG_COMMON&) { return ""; });
+  one.Start();
+  two.Start();
+  zq__MsgCreateCommonAndSend(one.Handle(), two.Handle(), kType, 0, 0, 0, false, 0, __FILE__, __LINE__);
+  one.Await(kType, kRounds / 2 + 1);
+  one.Drain();
+  two.Drain();
+  EXPECT_EQ(one.Count(kType), kRounds / 2 + 1);
+  EXPECT_EQ(two.Count(kType), kRounds / 2);
+}
+
+TEST(MsgqTest, TheThreadCarriesTheGivenName) {
+  const auto nameOfThread = [](const char* queueName, const char* threadName, const char* rename) {
+    char name[16] = "";
+    class Queue : public zq_MsgQ {
+     public:
+      Queue(const char* queue, const char* thread, char* seen) : zq_MsgQ(queue, thread), seen_(seen) {}
+      ~Queue() override { Destroy(true); }
+      void MessageHandler(MSG_COMMON* message) override {
+        if (message->type == kType) pthread_getname_np(pthread_self(), seen_, 16);
+        zq__free(message, __FILE__, __LINE__);
+      }
+
+     private:
+      char* seen_;
+    } queue(queueName, threadName, name);
+    EXPECT_TRUE(queue.Create(nullptr, 0));
+    queue.SetName(rename);
+    Post(queue.Handle(), kType);
+    queue.Drain();
+    return std::string(name);
+  };
+  EXPECT_EQ(nameOfThread("queue", "thread", nullptr), "thread");
+  EXPECT_EQ(nameOfThread("queue", nullptr, nullptr), "queue");
+  EXPECT_EQ(nameOfThread("queue", nullptr, "renamed"), "renamed");
+  EXPECT_EQ(nameOfThread("queue", "thread", "renamed"), "thread");
+}
+
+// Checks that each thread's numbers, param2, come without a gap and in their order.
+class CountingQueue : public zq_MsgQ {
+ public:
+  CountingQueue() : zq_MsgQ("counting", nullptr) {}
+  ~CountingQueue() override { Destroy(true); }
+
+  void MessageHandler(MSG_COMMON* message) override {
+    if (message->type == kType && message->param2 != next_.at(message->param1)++) ++outOfOrder_;
+    zq__free(message, __FILE__, __LINE__);
+  }
+
+  // After Drain.
+  uintptr_t Handled(size_t thread) const { return next_.at(thread); }
+  int OutOfOrder() const { return outOfOrder_; }
+
+ private:
+  std::array<uintptr_t, 8> next_{};
+  int outOfOrder_ = 0;
+};
+
+TEST(MsgqTest, EightThreadsLoseNothingAndKeepTheirOrder) {
+  constexpr uintptr_t kEach = 100'000;
+  CountingQueue queue;
+  ASSERT_TRUE(queue.Create(nullptr, 0));
+  std::vector<std::thread> threads;
+  for (uint32_t t = 0; t < 8; ++t) {
+    threads.emplace_back([&queue, t] {
+      for (uintptr_t i = 0; i < kEach; ++i) ASSERT_TRUE(Post(queue.Handle(), kType, t, i));
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  queue.Drain();
+  for (uint32_t t = 0; t < 8; ++t) EXPECT_EQ(queue.Handled(t), kEach);
+  EXPECT_EQ(queue.OutOfOrder(), 0);
+}
+
+TEST(MsgqTest, AMillionPostsInABurstAllArrive) {
+  constexpr uintptr_t kBurst = 1'000'000;
+  CountingQueue queue;
+  ASSERT_TRUE(queue.Create(nullptr, 0));
+  const uint32_t handle = queue.Handle();
+  for (uintptr_t i = 0; i < kBurst; ++i) ASSERT_TRUE(Post(handle, kType, 0, i));
+  queue.Destroy(false);
+  EXPECT_EQ(queue.Handled(0), kBurst);
+  EXPECT_EQ(queue.OutOfOrder(), 0);
 }
 
 }  // namespace
