@@ -1,0 +1,93 @@
+#include "host.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "errors.h"
+#include "finalizers.h"
+#include "globals.h"
+#include "output.h"
+#include "prompt.h"
+#include "runtime.h"
+#include "signals.h"
+#include "zq_thread.h"
+
+namespace sorel {
+namespace {
+
+constexpr int kFailure = 1;
+
+// What nobody handled ends the program.
+void Fail(JSContextRef context, JSValueRef thrown) {
+  ReportError(context, thrown);
+  Runtime::Get().RequestExit(kFailure);
+}
+
+// Called by the engine with the promise and the reason.
+JSValueRef OnUnhandledRejection(JSContextRef context, JSObjectRef, JSObjectRef, size_t count,
+                                const JSValueRef arguments[], JSValueRef*) {
+  if (count > 1) Fail(context, arguments[1]);
+  return JSValueMakeUndefined(context);
+}
+
+}  // namespace
+
+bool Host::Start(const Options& options, std::string* error) {
+  const bool fromStdin = options.script == "-" || (options.script.empty() && isatty(STDIN_FILENO) == 0);
+  interactive_ = options.script.empty() && !fromStdin;
+  if (fromStdin && !ReadScriptFromStdin(&script_, error)) return false;
+  if (!fromStdin && !interactive_ && !ReadScript(options.script, &script_, error)) return false;
+
+  SetUpOutput();
+  BecomeScriptThread();
+  Runtime& runtime = Runtime::Get();
+  CatchSignals(RestoreTerminal);
+  JSContextRef context = runtime.Context();
+  AddGlobals(context, runtime.Global());
+  if (!interactive_) {
+    JSGlobalContextSetUnhandledRejectionCallback(
+        runtime.Context(), JSObjectMakeFunctionWithCallback(context, nullptr, OnUnhandledRejection), nullptr);
+  }
+  std::vector<std::string> paths = options.modules;
+  if (paths.empty()) paths.push_back(DefaultModulePath());
+  for (const std::string& path : paths) {
+    std::unique_ptr<Module> module = Module::Load(path, error);
+    if (module == nullptr) {
+      EndModules();
+      return false;
+    }
+    modules_.push_back(std::move(module));
+  }
+  return true;
+}
+
+void Host::Run() {
+  JSContextRef context = Runtime::Get().Context();
+  if (interactive_) {
+    RunPrompt(context, loop_);
+    return;
+  }
+  JSValueRef thrown = nullptr;
+  Evaluate(context, script_, &thrown);
+  if (thrown == nullptr) thrown = loop_.Run(context);
+  if (thrown != nullptr) Fail(context, thrown);
+}
+
+void Host::End() {
+  Runtime::Get().BeginEnding();
+  FinalizeAll();
+  EndModules();
+  Runtime& runtime = Runtime::Get();
+  zq_ExitProcess(runtime.ExitRequested() ? runtime.ExitStatus() : EXIT_SUCCESS);
+}
+
+void Host::EndModules() {
+  while (!modules_.empty()) {
+    modules_.back()->End();
+    modules_.pop_back();
+  }
+}
+
+}  // namespace sorel

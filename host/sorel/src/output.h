@@ -1,0 +1,17 @@
+// Standard output: lines appear at once on a terminal, else when the host has nothing to do. Any thread.
+#ifndef SOREL_OUTPUT_H
+#define SOREL_OUTPUT_H
+
+#include <string>
+
+namespace sorel {
+
+// Called once at the start; from then on the output is complete however the process ends in order (zq_ExitProcess).
+void SetUpOutput();
+// Writes the text and a line break.
+void WriteLine(const std::string& text, bool toStderr);
+void FlushOutput();
+
+}  // namespace sorel
+
+#endif

@@ -1,0 +1,8 @@
+#include "prompt.h"
+
+namespace sorel {
+
+void RunPrompt(JSContextRef context, Loop& loop) { loop.Run(context); }
+void RestoreTerminal() {}
+
+}  // namespace sorel

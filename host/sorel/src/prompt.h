@@ -1,0 +1,18 @@
+// The prompt: lines of script typed at a terminal, with history and completion, while the loop goes on. Script thread.
+#ifndef SOREL_PROMPT_H
+#define SOREL_PROMPT_H
+
+#include "jsc.h"
+#include "loop.h"
+
+namespace sorel {
+
+// Shows the prompt and reads lines until the user leaves or the host is asked to end. Returns when the terminal is as
+// it was.
+void RunPrompt(JSContextRef context, Loop& loop);
+// Gives the terminal back at once; for the ways out that pass by RunPrompt. Safe in a signal handler.
+void RestoreTerminal();
+
+}  // namespace sorel
+
+#endif

@@ -1,0 +1,74 @@
+// The one script engine of the process, and whether it still serves. Lives until the process is gone: threads of
+// modules may call in at any time.
+#ifndef SOREL_RUNTIME_H
+#define SOREL_RUNTIME_H
+
+#include <atomic>
+#include <string>
+
+#include "handles.h"
+#include "jsc.h"
+#include "script_thread.h"
+
+namespace sorel {
+
+class Runtime {
+ public:
+  // Made at the first call, by the script thread.
+  static Runtime& Get();
+  Runtime(const Runtime&) = delete;
+  Runtime& operator=(const Runtime&) = delete;
+
+  JSGlobalContextRef Context() const { return context_; }
+  JSObjectRef Global() const { return JSContextGetGlobalObject(context_); }
+  HandleTable& Handles() { return handles_; }
+
+  // False for other threads once the host has begun to end: services answer 0.
+  bool Serves() const { return !ending_.load(std::memory_order_acquire) || OnScriptThread(); }
+  void BeginEnding() { ending_.store(true, std::memory_order_release); }
+
+  // Any thread, also from within a script, which is ended. The first status counts.
+  void RequestExit(int status);
+  // As RequestExit, for signal handlers.
+  void RequestExitBySignal(int signal);
+  bool ExitRequested() const { return exitStatus_.load(std::memory_order_relaxed) != kRunning; }
+  int ExitStatus() const { return exitStatus_.load(); }
+  // Ends the script that runs on this thread when it has unwound to where the engine looks: soon. Engine lock not
+  // held.
+  void InterruptScript();
+
+  // A descriptor that is readable after Wake; read by the loop.
+  int WakeFd() const { return wakeFd_; }
+  // Any thread, signal handlers too.
+  void Wake() const;
+  // True once after each collection.
+  bool TakeCollected() { return collected_.exchange(false); }
+
+ private:
+  static constexpr int kRunning = -1;
+
+  Runtime();
+  ~Runtime() = default;
+  static void AfterCollection(JSContextGroupRef group, void* self);
+  static bool ShouldTerminate(JSContextRef context, void* self);
+
+  const int wakeFd_;
+  const JSGlobalContextRef context_;
+  HandleTable handles_;
+  std::atomic<bool> ending_{false};
+  std::atomic<int> exitStatus_{kRunning};
+  std::atomic<bool> collected_{false};
+};
+
+// Holds the engine's lock, so that several of its calls see one state. Jobs of the script run when it is let go.
+class EngineLock {
+ public:
+  EngineLock() { JSLock(Runtime::Get().Context()); }
+  EngineLock(const EngineLock&) = delete;
+  EngineLock& operator=(const EngineLock&) = delete;
+  ~EngineLock() { JSUnlock(Runtime::Get().Context()); }
+};
+
+}  // namespace sorel
+
+#endif
