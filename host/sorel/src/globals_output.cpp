@@ -1,7 +1,9 @@
+#include "errors.h"
 #include "globals.h"
 #include "js_text.h"
 #include "output.h"
 #include "properties.h"
+#include "runtime.h"
 #include "show.h"
 
 namespace sorel {
@@ -27,6 +29,8 @@ bool Join(JSContextRef context, size_t count, const JSValueRef arguments[], bool
 template <bool kConsole, bool kStderr>
 JSValueRef Print(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
                  JSValueRef* exception) {
+  // A script that caught what `exit` threw says no more.
+  if (Runtime::Get().ExitRequested()) return Unwind(context, exception);
   std::string line;
   if (Join(context, count, arguments, kConsole, &line, exception)) WriteLine(line, kStderr);
   return JSValueMakeUndefined(context);

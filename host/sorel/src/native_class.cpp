@@ -143,6 +143,7 @@ JSValueRef CallNative(const NativeMethod& method, JSContextRef context, JSObject
     const int32_t handled = method.call(PointerOf(handle), static_cast<uint32_t>(count), words.Data(), &answer);
     if (handled == 0 || !ValueOf(context, answer, &result)) result = nullptr;
   }
+  runtime.RestoreLimit();
   if (runtime.ExitRequested()) return Unwind(context, exception);
   return result != nullptr ? result : Fail(context, method.failure, exception);
 }

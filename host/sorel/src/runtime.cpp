@@ -9,8 +9,7 @@ namespace sorel {
 namespace {
 
 // How long a script computes before it is asked whether it should end: not felt by a person, nothing to the script.
-constexpr double kTermSeconds = 0.1;
-constexpr double kAtOnceSeconds = 0.0001;
+constexpr double kLimitSeconds = 0.1;
 
 }  // namespace
 
@@ -24,7 +23,7 @@ Runtime::Runtime()
       context_(JSGlobalContextCreate(nullptr)),
       handles_(JSContextGetGroup(context_)) {
   JSContextGroupAddHeapFinalizer(JSContextGetGroup(context_), AfterCollection, this);
-  JSContextGroupSetExecutionTimeLimit(JSContextGetGroup(context_), kTermSeconds, ShouldTerminate, this);
+  RestartLimit();
 }
 
 void Runtime::RequestExit(int status) {
@@ -35,8 +34,9 @@ void Runtime::RequestExit(int status) {
 
 void Runtime::RequestExitBySignal(int signal) { RequestExit(128 + signal); }
 
-void Runtime::InterruptScript() {
-  JSContextGroupSetExecutionTimeLimit(JSContextGetGroup(context_), kAtOnceSeconds, ShouldTerminate, this);
+void Runtime::RestartLimit() {
+  limitElsewhere_.store(!OnScriptThread(), std::memory_order_relaxed);
+  JSContextGroupSetExecutionTimeLimit(JSContextGetGroup(context_), kLimitSeconds, ShouldTerminate, this);
 }
 
 void Runtime::Wake() const {
@@ -51,6 +51,11 @@ void Runtime::AfterCollection(JSContextGroupRef, void* self) {
   runtime.Wake();
 }
 
-bool Runtime::ShouldTerminate(JSContextRef, void* self) { return static_cast<Runtime*>(self)->ExitRequested(); }
+bool Runtime::ShouldTerminate(JSContextRef, void* self) {
+  auto& runtime = *static_cast<Runtime*>(self);
+  // Without a new limit the engine asks once for each entry, and a script that never leaves is never asked again.
+  runtime.RestartLimit();
+  return runtime.ExitRequested();
+}
 
 }  // namespace sorel

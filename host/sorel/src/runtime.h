@@ -33,9 +33,13 @@ class Runtime {
   void RequestExitBySignal(int signal);
   bool ExitRequested() const { return exitStatus_.load(std::memory_order_relaxed) != kRunning; }
   int ExitStatus() const { return exitStatus_.load(); }
-  // Ends the script that runs on this thread when it has unwound to where the engine looks: soon. Engine lock not
-  // held.
-  void InterruptScript();
+  // Scripts are asked every tenth of a second of processor time whether they should end. The engine keeps one limit
+  // for all threads, each of which has a processor time of its own: to be called where a script's thread changes.
+  void RestartLimit();
+  // As RestartLimit, when another thread was the last to; for each return of the script thread to its script.
+  void RestoreLimit() {
+    if (limitElsewhere_.load(std::memory_order_relaxed) && OnScriptThread()) RestartLimit();
+  }
 
   // A descriptor that is readable after Wake; read by the loop.
   int WakeFd() const { return wakeFd_; }
@@ -58,6 +62,7 @@ class Runtime {
   std::atomic<bool> ending_{false};
   std::atomic<int> exitStatus_{kRunning};
   std::atomic<bool> collected_{false};
+  std::atomic<bool> limitElsewhere_{false};
 };
 
 // Holds the engine's lock, so that several of its calls see one state. Jobs of the script run when it is let go.

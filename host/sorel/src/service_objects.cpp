@@ -95,6 +95,7 @@ int32_t ServiceCallMethod(void* object, const char* name, uint32_t argc, zq_Valu
   const EngineLock lock;
   JSObjectRef target = ObjectOf(context, WordOf(object));
   if (target == nullptr) return 0;
+  if (!OnScriptThread()) runtime.RestartLimit();
   Arguments arguments(context);
   if (!arguments.Add(argc, argv)) return 0;
   JSValueRef result = CallListener(context, target, name, arguments.Values());
