@@ -5,8 +5,10 @@
 #include <iterator>
 #include <stdexcept>
 
-TempDir::TempDir() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "zqutil-test-XXXXXX").string();
+TempDir::TempDir() : TempDir(std::filesystem::temp_directory_path()) {}
+
+TempDir::TempDir(const std::filesystem::path& parent) {
+  std::string pattern = (parent / "zqutil-test-XXXXXX").string();
   if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder: " + pattern);
   path_ = pattern;
 }

@@ -7,7 +7,9 @@
 
 class TempDir {
  public:
+  // Below the system's folder for such, or below `parent`.
   TempDir();
+  explicit TempDir(const std::filesystem::path& parent);
   TempDir(const TempDir&) = delete;
   TempDir& operator=(const TempDir&) = delete;
   ~TempDir();

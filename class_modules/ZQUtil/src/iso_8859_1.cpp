@@ -32,10 +32,20 @@ unsigned char* ExpandHighWord(unsigned char* to, const unsigned char* from) {
   return to + 2 * kWord;
 }
 
-// Converts `length` characters into a place with room for twice as many bytes. Returns the end of the output.
+// One character, and no byte beyond it.
+unsigned char* ExpandLast(unsigned char* to, unsigned char c) {
+  if (c < 0x80) {
+    *to = c;
+    return to + 1;
+  }
+  return ExpandOne(to, c);
+}
+
+// Converts `length` characters, one at least, into a place with room for twice as many bytes. Returns the end of the
+// output; what follows it is as it was.
 unsigned char* Expand(unsigned char* to, const unsigned char* from, size_t length) {
-  const unsigned char* const end = from + length;
-  while (static_cast<size_t>(end - from) >= kWord) {
+  const unsigned char* const last = from + length - 1;
+  while (static_cast<size_t>(last - from) >= kWord) {
     const uint64_t word = LoadWord(from);
     const uint64_t high = word & kHighBits;
     if (high == 0) {
@@ -48,8 +58,8 @@ unsigned char* Expand(unsigned char* to, const unsigned char* from, size_t lengt
     }
     from += kWord;
   }
-  while (from != end) to = ExpandOne(to, *from++);
-  return to;
+  while (from != last) to = ExpandOne(to, *from++);
+  return ExpandLast(to, *last);
 }
 
 size_t ExpandedLength(const unsigned char* from, size_t length) {

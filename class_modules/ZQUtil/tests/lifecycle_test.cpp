@@ -3,7 +3,6 @@
 #include <filesystem>
 
 #include "ZQScreen.h"
-#include "ZQUtilEntryPoints.h"
 #include "audio_volume.h"
 #include "module_fixture.h"
 #include "zq_timer.h"
@@ -91,7 +90,9 @@ TEST_F(LifecycleTest, TracesUnderTheNameZqutilWhileItLives) {
   EXPECT_EQ(trace.Lines().back().name, "zqutil");
   EXPECT_EQ(trace.Lines().back().level, 10000);
   Drop(object);
-  MM_Init(nullptr);
+  EXPECT_EQ(trace.Lines().back().text, "ZQUtil Destructor End");
+  EXPECT_EQ(trace.Lines().back().name, "zqutil");
+  ZQUtil::GetIntValueFromFileContents(nullptr);
   EXPECT_EQ(trace.Lines().back().name, "-");
 }
 
@@ -188,7 +189,7 @@ TEST_F(LifecycleTest, ConstructsAndEndsAHundredTimesWithoutLosingAWrite) {
     engine.Answer(object, "setBrightness", {N(i % 100)});
     engine.Answer(object, "setFirstTime", {S("round " + std::to_string(i))});
     Drop(object);  // while posts and writers are under way
-    ASSERT_EQ(ReadFile("/proc/blctrl"), std::to_string(i % 100));
+    ASSERT_EQ(ReadFile("/proc/blctrl"), std::to_string(i % 100)) << trace.Raw();
     ASSERT_EQ(StoredKey("net.firsttime"), "round " + std::to_string(i));
   }
   Unload();

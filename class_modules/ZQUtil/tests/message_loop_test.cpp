@@ -8,6 +8,7 @@
 #include "zq_memory.h"
 #include "zq_socket.h"
 #include "zq_timer.h"
+#include "zq_trace.h"
 #include "zqwww.h"
 
 namespace {

@@ -30,6 +30,8 @@ void ResetDevice() {
   unsetenv("http_proxy");
 }
 
+std::string OnThisMachine(const std::string& devicePath) { return std::getenv("ZQ_DEVICE") + devicePath; }
+
 std::string StoredSetting(const std::string& key, const std::string& file) {
   char value[1025] = {};
   zq_GetINIFileString("config", key.c_str(), "<none>", value, 1024, file.c_str());

@@ -53,6 +53,9 @@ class ModuleTest : public testing::Test {
 
 // The device's own state, put back by each test's start.
 void ResetDevice();
+// Where this machine keeps a file of the device, for what no program on the device can do: files of /proc and /sys
+// that come and go.
+std::string OnThisMachine(const std::string& devicePath);
 // What the device's settings file says under [config]; "<none>" when it says nothing.
 std::string StoredSetting(const std::string& key, const std::string& file = "zqutil.ini");
 // What the key store says; "<none>" when it lacks the key, "<closed>" when it cannot be opened.

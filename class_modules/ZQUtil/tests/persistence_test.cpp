@@ -43,7 +43,6 @@ TEST_F(PersistenceTest, TracesABrightnessWrite) {
   Start();
   ZQUtil::AsyncConfigWrite(kConfigBrightness);
   Settle();
-  std::string queue;
   for (const char* text : {"ZQUtil Asynchronous config write (2)", "ZQUtil opening /proc/blctrl",
                            "ZqUtil Writing screen brightness", "Writing INI FIle Int config, brightness, 255, zqutil.ini"}) {
     EXPECT_NE(Traces().find(std::string(text) + "\n"), std::string::npos) << text;
@@ -52,13 +51,13 @@ TEST_F(PersistenceTest, TracesABrightnessWrite) {
 
 TEST_F(PersistenceTest, WithoutABacklightTheSettingIsStoredAllTheSame) {
   Start();
-  fs::rename("/proc/blctrl", "/proc/blctrl.aside");
+  fs::rename(OnThisMachine("/proc/blctrl"), OnThisMachine("/aside"));
   Singleton().screen->setBrightness(42);
   Settle();
   EXPECT_EQ(StoredSetting("brightness"), "42");
   EXPECT_NE(Traces().find("ZQUtil could not open /proc/blctrl\n"), std::string::npos);
   EXPECT_EQ(Traces().find("ZqUtil Writing screen brightness\n"), std::string::npos);
-  fs::rename("/proc/blctrl.aside", "/proc/blctrl");
+  fs::rename(OnThisMachine("/aside"), OnThisMachine("/proc/blctrl"));
 }
 
 TEST_F(PersistenceTest, AContrastWriteTouchesNothingElse) {

@@ -17,8 +17,8 @@ class PowerTest : public ModuleTest {
     ForgetTraces();
   }
   ~PowerTest() override {
-    WriteFile(kCharge, "8\n");
-    WriteFile(kVoltage, "367\n");
+    WriteFile(OnThisMachine(kCharge), "8\n");
+    WriteFile(OnThisMachine(kVoltage), "367\n");
   }
 
   std::string ChargeFor(const std::string& content) {
@@ -104,8 +104,8 @@ TEST_F(PowerTest, IsLinearBetweenEmptyAndFull) {
 }
 
 TEST_F(PowerTest, WithoutABatteryItRunsOnAnEmptyOne) {
-  std::filesystem::remove(kCharge);
-  std::filesystem::remove(kVoltage);
+  std::filesystem::remove(OnThisMachine(kCharge));
+  std::filesystem::remove(OnThisMachine(kVoltage));
   EXPECT_EQ(engine.Answer(util, "chargeStatus"), "battery");
   EXPECT_EQ(engine.Answer(util, "batteryPct"), "<int 0>");
   EXPECT_NE(Traces().find("Could not open file " + std::string(kVoltage) + "\n"), std::string::npos);

@@ -44,9 +44,15 @@ bool zq_MsgQ::Create(const char* name, uint32_t stackBytes) try {
     }
     if (name != nullptr) core_->name = name;
     loop = std::make_shared<MsgqLoop>(this);
-    if (!loop->Start(core_->ThreadName(), stackBytes)) return false;
+    if (!loop->Register(core_->ThreadName())) return false;
+    // Before the thread starts: its first handler may ask for both.
     core_->loop = loop;
     core_->handle = loop->Handle();
+    if (!loop->Start(core_->ThreadName(), stackBytes)) {
+      core_->loop.reset();
+      core_->handle = 0;
+      return false;
+    }
   }
   // The queue's own handler may end it and even delete this object: it is not touched any more.
   loop->AwaitStarted();

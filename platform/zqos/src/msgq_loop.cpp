@@ -29,15 +29,19 @@ HandleTable<MsgqLoop>& QueueHandles() {
 MsgqLoop::MsgqLoop(zq_MsgQ* owner)
     : owner_(owner), clock_(zq_ClockGet()), ended_(std::make_shared<std::latch>(1)) {}
 
-bool MsgqLoop::Start(const char* threadName, uint32_t stackBytes) {
+bool MsgqLoop::Register(const char* queueName) {
   if (!poller_.IsOpen()) {
-    PlatformFailure("no descriptors for queue %s", threadName);
+    PlatformFailure("no descriptors for queue %s", queueName);
     return false;
   }
-  auto self = std::make_unique<std::shared_ptr<MsgqLoop>>(shared_from_this());
   MSG_COMMON* const first = NewNotice(ZQ_MSG_QUEUE_STARTED, 0, 0);
   if (first == nullptr || !PostNotice(first, 0)) return false;
   first->destination = first->source = handle_ = QueueHandles().Add(shared_from_this());
+  return true;
+}
+
+bool MsgqLoop::Start(const char* threadName, uint32_t stackBytes) {
+  auto self = std::make_unique<std::shared_ptr<MsgqLoop>>(shared_from_this());
   const zq_ThreadAttributes attributes{stackBytes};
   threadHandle_ = zq__beginthread(&MsgqLoop::ThreadMain, self.get(), &attributes, __FILE__, __LINE__);
   if (threadHandle_ == 0) {

@@ -35,7 +35,9 @@ class MsgqLoop : public std::enable_shared_from_this<MsgqLoop> {
   // its own handlers once that handler has returned.
   explicit MsgqLoop(zq_MsgQ* owner);
 
-  // Once. False, traced, when the system gives no thread or descriptor.
+  // Once, first: gives the queue its handle. False, traced, when the system gives no descriptor.
+  bool Register(const char* queueName);
+  // Once, then. False, traced, when the system gives no thread; the handle is gone then.
   bool Start(const char* threadName, uint32_t stackBytes);
   // Returns when the queue-started message was handled.
   void AwaitStarted();
