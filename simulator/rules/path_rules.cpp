@@ -1,5 +1,7 @@
 #include "path_rules.h"
 
+#include <algorithm>
+
 #include "lexical_path.h"
 
 namespace {
@@ -83,14 +85,22 @@ const PathRule* LongestMatch(std::span<const PathRule> rules, std::string_view p
   return best;
 }
 
+// The length of `prefix` when it decides for the path: the path is there or below. A folder on the way to
+// `prefix` counts too, by itself, because programs look at, or try to make, each folder of a path in turn.
+size_t Match(std::string_view path, std::string_view prefix) {
+  if (IsAtOrBelow(path, prefix)) return prefix.size();
+  while (path.ends_with('/')) path.remove_suffix(1);
+  return IsAtOrBelow(prefix, path) ? path.size() : 0;
+}
+
 size_t LongestHostPath(std::string_view path, std::string_view hostPaths) {
   size_t longest = 0;
   while (!hostPaths.empty()) {
-    const size_t colon = hostPaths.find(':');
-    std::string_view prefix(hostPaths.data(), colon == std::string_view::npos ? hostPaths.size() : colon);
-    hostPaths.remove_prefix(colon == std::string_view::npos ? hostPaths.size() : colon + 1);
+    const size_t colon = std::min(hostPaths.find(':'), hostPaths.size());
+    std::string_view prefix(hostPaths.data(), colon);
+    hostPaths.remove_prefix(std::min(colon + 1, hostPaths.size()));
     while (prefix.ends_with('/')) prefix.remove_suffix(1);
-    if (prefix.size() > longest && IsAtOrBelow(path, prefix)) longest = prefix.size();
+    if (!prefix.empty()) longest = std::max(longest, Match(path, prefix));
   }
   return longest;
 }
@@ -112,7 +122,7 @@ Owner OwnerOf(std::string_view path, const DeviceView& view) {
   if (best->owner == Owner::kMachine) return Owner::kMachine;
   const size_t decisive = best->prefix.size();
   if (ProcessPrefix(path) > decisive) return Owner::kMachine;
-  if (view.root.size() > decisive && IsAtOrBelow(path, view.root)) return Owner::kMachine;
+  if (Match(path, view.root) > decisive) return Owner::kMachine;
   if (LongestHostPath(path, view.hostPaths) > decisive) return Owner::kMachine;
   return best->owner;
 }

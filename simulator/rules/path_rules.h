@@ -25,7 +25,8 @@ std::span<const PathRule> DeviceRoots();
 // What below them is the machine's after all, or shared; each lies below a root, so is longer.
 std::span<const PathRule> Exceptions();
 
-// Where the device is, and what else of the machine stays visible.
+// Where the device is, and what else of the machine stays visible. The folders on the way to these are
+// visible too, each by itself.
 struct DeviceView {
   std::string_view root;       // absolute, canonical, without a trailing "/"
   std::string_view hostPaths;  // absolute prefixes, colon-separated; may be empty

@@ -1,0 +1,197 @@
+// The tool itself: making devices, refusing folders, starting commands.
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <thread>
+
+#include "device_fixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class Zqsim : public DeviceTest {
+ protected:
+  void SetUp() override {}
+
+  // Every entry below the root, one a line; folders end with "/".
+  std::string Listing() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::recursive_directory_iterator(Root())) {
+      names.push_back(fs::relative(entry.path(), Root()).string() + (entry.is_directory() ? "/" : ""));
+    }
+    std::sort(names.begin(), names.end());
+    std::string text;
+    for (const std::string& name : names) text += name + "\n";
+    return text;
+  }
+  std::string Create(const std::string& folder, ProgramSetting setting = {}) const {
+    const ProgramResult result = DeviceTest::Zqsim({"create", folder}, std::move(setting));
+    EXPECT_EQ(result.output, "");
+    return std::to_string(result.status) + " " + result.errors;
+  }
+};
+
+constexpr const char* kCommon =
+    ".zq-device\nbrimvale/\nbrimvale/sorel/\ncache/\netc/\netc/client.tag\netc/firmware.ver\netc/"
+    "fw_env.config\n"
+    "etc/resolv.conf\netc/software.ver\nhw/\nhw/README\nmedia/\nproc/\n";
+constexpr const char* kRoute = "proc/net/\nproc/net/route\nrun/\nrun/lock/\nsys/\nsys/class/\n";
+constexpr const char* kBattery =
+    "sys/class/hwmon/\nsys/class/hwmon/hwmon5/\nsys/class/hwmon/hwmon5/device/\n"
+    "sys/class/hwmon/hwmon5/device/mrst_batmon/\nsys/class/hwmon/hwmon5/device/mrst_batmon/charge\n"
+    "sys/class/hwmon/hwmon5/device/mrst_batmon/vbat\n";
+constexpr const char* kEnd = "tmp/\nupdates/\nvar/\nvar/lib/\nvar/lib/zq/\nvar/lock/\n";
+
+std::string Link(const std::string& name) {
+  const std::string folder = "sys/class/net/" + name + "/";
+  return folder + "\n" + folder + "address\n" + folder + "carrier\n" + folder + "operstate\n";
+}
+
+TEST_F(Zqsim, MakesAPhoneForTheHome) {
+  EXPECT_EQ(Create(Root()), "0 ");
+  EXPECT_EQ(Listing(), std::string(kCommon) + "proc/blctrl\nproc/boardrev\n" + kRoute + kBattery +
+                           "sys/class/net/\n" + Link("eth0") + Link("ra0") + kEnd);
+  EXPECT_EQ(Shell("cd /sys/class/hwmon/hwmon5/device/mrst_batmon && cat charge vbat /etc/client.tag"),
+            "8\n367\nhome-phone\n");
+}
+
+TEST_F(Zqsim, MakesATablet) {
+  EXPECT_EQ(DeviceTest::Zqsim({"create", Root(), "--profile", "tablet"}).status, 0);
+  EXPECT_EQ(Listing(), std::string(kCommon) + "proc/blctrl\nproc/boardrev\n" + kRoute + kBattery +
+                           "sys/class/net/\n" + Link("ra0") + kEnd);
+  EXPECT_EQ(Shell("cd /sys/class/hwmon/hwmon5/device/mrst_batmon && cat charge vbat"), "2\n390\n");
+}
+
+TEST_F(Zqsim, MakesABareBoard) {
+  EXPECT_EQ(DeviceTest::Zqsim({"create", "--profile=bare", Root()}).status, 0);
+  EXPECT_EQ(Listing(), std::string(kCommon) + kRoute + "sys/class/net/\n" + Link("eth0") + kEnd);
+  EXPECT_EQ(ReadFile(Place("/.zq-device")), "bare\n");
+}
+
+TEST_F(Zqsim, FoldersHaveTheirModes) {
+  EXPECT_EQ(Create(Root()), "0 ");
+  EXPECT_EQ(Shell("stat -c '%a %n' /tmp /updates /run/lock"), "1777 /tmp\n755 /updates\n1777 /run/lock\n");
+}
+
+TEST_F(Zqsim, ListsTheReadyProfiles) {
+  EXPECT_EQ(DeviceTest::Zqsim({"profiles"}).output,
+            "bare        a board with Ethernet alone: no battery, no Wi-Fi, no backlight\n"
+            "home-phone  a phone for the home: battery, Wi-Fi, Ethernet, backlight\n"
+            "tablet      a tablet: large battery, Wi-Fi, backlight, no Ethernet\n");
+}
+
+TEST_F(Zqsim, LeavesAnExistingDeviceAsItIs) {
+  fs::create_directories(Place("/etc"));
+  WriteFile(Place("/etc/firmware.ver"), "mine\n");
+  EXPECT_EQ(Create(Root()), "0 ");
+  EXPECT_EQ(
+      DeviceTest::Zqsim({"run", Root(), "--profile", "tablet", "--", "cat", "/etc/firmware.ver"}).output,
+      "mine\n");
+  EXPECT_EQ(Listing(), "etc/\netc/firmware.ver\n");
+}
+
+TEST_F(Zqsim, MakesTheDeviceInAnEmptyFolderAndInOneThatIsMissingWithItsParents) {
+  fs::create_directories(folder_ / "empty");
+  EXPECT_EQ(Create(folder_ / "empty"), "0 ");
+  EXPECT_EQ(Create(folder_ / "a/b/c"), "0 ");
+  EXPECT_TRUE(fs::exists(folder_ / "a/b/c/etc/fw_env.config"));
+}
+
+TEST_F(Zqsim, RefusesAFolderThatIsNoDevice) {
+  WriteFile(folder_ / "letter", "x");
+  const std::string folder = folder_.Path();
+  EXPECT_EQ(Create(folder),
+            "1 zqsim: " + folder + ": is no device (it has neither .zq-device nor etc) and not empty\n");
+  EXPECT_EQ(Create(folder_ / "letter"),
+            "1 zqsim: " + (folder_ / "letter") + ": is no folder, so it cannot be a device\n");
+  EXPECT_EQ(Create("/"), "1 zqsim: /: is the machine itself, not a device\n");
+  EXPECT_EQ(Create("/proc/none"), "1 zqsim: /proc/none: cannot make the device: No such file or directory\n");
+}
+
+TEST_F(Zqsim, RefusesAFolderThatCannotBeWritten) {
+  constexpr uid_t kNobody = 65534;
+  const uid_t user = geteuid() == 0 ? kNobody : 0;
+  fs::permissions(folder_.Path(), static_cast<fs::perms>(0755));
+  fs::create_directories(folder_ / "closed/etc");
+  fs::permissions(folder_ / "closed", static_cast<fs::perms>(0555));
+  EXPECT_EQ(Create(folder_ / "closed", {.user = user}),
+            "1 zqsim: " + (folder_ / "closed") + ": cannot write to the device: Permission denied\n");
+  EXPECT_EQ(Create(folder_ / "closed/new", {.user = user}),
+            "1 zqsim: " + (folder_ / "closed/new") + ": cannot make the device: Permission denied\n");
+  fs::permissions(folder_ / "closed", static_cast<fs::perms>(0755));
+}
+
+TEST_F(Zqsim, TwoAtOnceMakeOneDevice) {
+  std::vector<std::thread> threads;
+  std::vector<std::string> results(6);
+  for (std::string& result : results) {
+    threads.emplace_back([&] { result = Run({"cat", "/etc/client.tag"}).output; });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const std::string& result : results) EXPECT_EQ(result, "home-phone\n");
+}
+
+TEST_F(Zqsim, SaysWhatIsWrongWithItsArguments) {
+  const auto firstLine = [](const std::vector<std::string>& words) {
+    const ProgramResult result = DeviceTest::Zqsim(words);
+    return std::to_string(result.status) + " " + result.errors.substr(0, result.errors.find('\n'));
+  };
+  EXPECT_EQ(firstLine({}), "2 zqsim: what to do?");
+  EXPECT_EQ(firstLine({"fly"}), "2 zqsim: what is \"fly\"?");
+  EXPECT_EQ(firstLine({"run"}), "2 zqsim: DIR is missing");
+  EXPECT_EQ(firstLine({"run", Root()}), "2 zqsim: COMMAND is missing after --");
+  EXPECT_EQ(firstLine({"run", Root(), "sh"}), "2 zqsim: what is \"sh\"?");
+  EXPECT_EQ(firstLine({"create", Root(), "--", "sh"}), "2 zqsim: create takes no command");
+  EXPECT_EQ(firstLine({"create", Root(), "--profile"}), "2 zqsim: --profile needs a name");
+  EXPECT_TRUE(firstLine({"create", Root(), "--profile", "toaster"})
+                  .starts_with("1 zqsim: toaster: there is no such profile in "));
+  EXPECT_TRUE(firstLine({"create", Root(), "--profile", "../profiles/bare"})
+                  .starts_with("1 zqsim: ../profiles/bare: there is no"));
+  EXPECT_FALSE(fs::exists(Root()));
+  EXPECT_TRUE(DeviceTest::Zqsim({"--help"}).output.starts_with("usage: zqsim create DIR"));
+}
+
+TEST_F(Zqsim, FindsTheCommandAsTheCallerWould) {
+  WriteFile(folder_ / "say", "#!/bin/sh\necho \"$0 $1\"; exit 3\n");
+  fs::permissions(folder_ / "say", fs::perms::owner_all);
+  const ProgramResult near = Run({"./say", "a"}, {.folder = folder_.Path()});
+  EXPECT_EQ(near.output, folder_ / "say" + " a\n");
+  EXPECT_EQ(near.status, 3);
+  const ProgramResult named =
+      Run({"say", "a"}, {.environment = {"PATH=" + folder_.Path().string() + ":/usr/bin:/bin"}});
+  EXPECT_EQ(named.output, folder_ / "say" + " a\n");
+  const ProgramResult none = Run({"no-such-program"});
+  EXPECT_EQ(none.status, 127);
+  EXPECT_EQ(none.errors, "zqsim: no-such-program: not found\n");
+  const ProgramResult folder = Run({folder_.Path()});
+  EXPECT_EQ(folder.status, 126);
+  EXPECT_EQ(folder.errors, "zqsim: " + folder_.Path().string() + ": Permission denied\n");
+}
+
+TEST_F(Zqsim, KeepsWhatWasPreloadedAndTheOthersHostPaths) {
+  const ProgramResult result =
+      Run({"sh", "-c", "echo $LD_PRELOAD; echo $ZQ_SIM_HOST_PATHS; echo ${ZQ_NVRAM_CONFIG-unset}"},
+          {.environment = {"LD_PRELOAD=" ZQSIM_PROBES "/libzqsim_probe_leaf.so",
+                           "ZQ_SIM_HOST_PATHS=/media/share", "ZQ_NVRAM_CONFIG=/etc/other"}});
+  EXPECT_EQ(result.errors, "");
+  EXPECT_NE(result.output.find("libzqsim.so:" ZQSIM_PROBES "/libzqsim_probe_leaf.so\n/media/share:"),
+            std::string::npos)
+      << result.output;
+  EXPECT_TRUE(result.output.ends_with("\nunset\n"));
+}
+
+TEST_F(Zqsim, ADeviceStartedFromADeviceIsTheInnerOne) {
+  EXPECT_EQ(Create(Root()), "0 ");
+  const std::string inner = folder_ / "inner";
+  const ProgramResult result =
+      Run({ZQSIM_PROGRAM, "run", inner, "--profile", "bare", "--", "sh", "-c",
+           "cat /etc/client.tag; echo $ZQ_DEVICE; pwd; echo 1 > /tmp/do_S12; cat /proc/blctrl"});
+  EXPECT_EQ(result.output, "bare\n" + inner + "\n" + inner + "\n");
+  EXPECT_EQ(result.errors, "cat: /proc/blctrl: No such file or directory\n");
+  EXPECT_EQ(ReadFile(inner + "/tmp/do_S12"), "1\n");
+  EXPECT_FALSE(fs::exists(Place("/tmp/do_S12")));
+}
+
+}  // namespace
