@@ -32,7 +32,7 @@ ssize_t ReadAt(int fd, uint8_t* bytes, size_t count, int64_t offset) {
   return static_cast<ssize_t>(done);
 }
 
-bool WriteAt(int fd, const Bytes& bytes, int64_t offset) {
+bool WriteAt(int fd, std::span<const uint8_t> bytes, int64_t offset) {
   size_t done = 0;
   while (done < bytes.size()) {
     const ssize_t put =
@@ -117,8 +117,14 @@ std::string OpenCopy::Why(const char* what) const {
   return Reason(place_.path, what, fd_ < 0 ? reason_ : errno);
 }
 
+// The header last: texts that were written in part have no header that fits them, so a copy whose writing
+// failed is not taken for good, even when nothing more can be written.
 std::string OpenCopy::Write(const Bytes& image) const {
-  if (fd_ < 0 || !WriteAt(fd_, image, place_.offset)) return Why("cannot write");
+  const size_t header = HeaderSize(true);
+  const std::span<const uint8_t> bytes = image;
+  if (fd_ < 0 || !WriteAt(fd_, bytes.subspan(header), place_.offset + static_cast<int64_t>(header)) ||
+      !WriteAt(fd_, bytes.first(header), place_.offset))
+    return Why("cannot write");
   return Sync();
 }
 

@@ -1,8 +1,6 @@
 #include "device_store.h"
 
 #include <fcntl.h>
-#include <libuboot.h>
-#include <stddef.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,6 +9,7 @@
 #include <cstring>
 
 #include "library_context.h"
+#include "uboot_library.h"
 
 namespace {
 

@@ -1,10 +1,9 @@
 #include "library_context.h"
 
-#include <libuboot.h>
-#include <stddef.h>
-
 #include <cerrno>
 #include <cstring>
+
+#include "uboot_library.h"
 
 LibraryContext::~LibraryContext() {
   Close();

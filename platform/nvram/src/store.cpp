@@ -1,8 +1,6 @@
 #include "store.h"
 
 #include <fcntl.h>
-#include <libuboot.h>
-#include <stddef.h>
 
 #include <algorithm>
 #include <atomic>
@@ -13,6 +11,7 @@
 #include "device_store.h"
 #include "key_rule.h"
 #include "mend_store.h"
+#include "uboot_library.h"
 #include "write_copies.h"
 #include "zq_trace.h"
 

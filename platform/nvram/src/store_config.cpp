@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <optional>
 
@@ -14,6 +13,8 @@ namespace {
 // A copy holds at least a key of one letter without a value, and is small enough to be read at every access.
 constexpr size_t kLeastSize = 16;
 constexpr size_t kMostSize = 16U << 20U;
+// Bytes of the file; those in use have a few hundred.
+constexpr size_t kMostText = 64U << 10U;
 // What the library keeps of a path.
 constexpr size_t kLongestPath = 255;
 
@@ -79,10 +80,13 @@ std::string ParseStoreConfig(std::string_view text, StoreConfig& config) {
 }
 
 std::string ReadStoreConfig(const std::string& path, StoreConfig& config) {
+  std::string text(kMostText, '\0');
   errno = 0;
   std::ifstream file(path, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
   if (!file.is_open() || file.bad()) return "cannot read " + path + ": " + std::strerror(errno);
+  text.resize(static_cast<size_t>(file.gcount()));
+  if (text.size() == kMostText) return path + " is no fw_env.config: it is too long";
   const std::string why = ParseStoreConfig(text, config);
   return why.empty() ? why : path + ": " + why;
 }

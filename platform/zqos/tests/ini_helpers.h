@@ -2,13 +2,11 @@
 #ifndef ZQ_INI_HELPERS_H
 #define ZQ_INI_HELPERS_H
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <filesystem>
 #include <set>
 #include <string>
 
+#include "child_process.h"
 #include "zq_ini.h"
 
 // The value as text, "(missing)" without one.
@@ -31,21 +29,6 @@ inline std::set<std::string> NamesIn(const std::filesystem::path& folder) {
   std::set<std::string> names;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) names.insert(entry.path().filename());
   return names;
-}
-
-// Runs the body in a child process, which ends with what the body returns.
-template <typename Body>
-pid_t InChild(Body body) {
-  const pid_t child = fork();
-  if (child == 0) _exit(body());
-  return child;
-}
-
-// The child's exit status, or minus the number of the signal that ended it.
-inline int AwaitChild(pid_t child) {
-  int status = 0;
-  waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
 #endif
