@@ -12,8 +12,8 @@ std::array<const NativeMethod*, kEntryPoints> g_methods;
 size_t g_used = 0;
 
 template <size_t kIndex>
-JSValueRef EntryPoint(JSContextRef context, JSObjectRef, JSObjectRef self, size_t count, const JSValueRef arguments[],
-                      JSValueRef* exception) {
+JSValueRef EntryPoint(JSContextRef context, JSObjectRef, JSObjectRef self, size_t count,
+                      const JSValueRef arguments[], JSValueRef* exception) {
   return CallNative(*g_methods[kIndex], context, self, count, arguments, exception);
 }
 

@@ -1,5 +1,5 @@
-// C functions for the engine to call, one a native method: the engine's cheapest form of function carries no data, so
-// that the method must be known by the function's address.
+// C functions for the engine to call, one a native method: the engine's cheapest form of function carries no
+// data, so that the method must be known by the function's address.
 #ifndef SOREL_ENTRY_POINTS_H
 #define SOREL_ENTRY_POINTS_H
 

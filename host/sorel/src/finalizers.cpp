@@ -24,7 +24,11 @@ std::vector<Finalization> Take(bool all) {
 
 }  // namespace
 
-int FinalizeCollected() { return Finalize(Take(false)); }
-void FinalizeAll() { Finalize(Take(true)); }
+int FinalizeCollected() {
+  return Finalize(Take(false));
+}
+void FinalizeAll() {
+  Finalize(Take(true));
+}
 
 }  // namespace sorel

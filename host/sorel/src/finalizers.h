@@ -1,5 +1,5 @@
-// Runs the finalizers of module objects. Script thread, from the loop: never inside a collection, the engine's lock
-// not held.
+// Runs the finalizers of module objects. Script thread, from the loop: never inside a collection, the
+// engine's lock not held.
 #ifndef SOREL_FINALIZERS_H
 #define SOREL_FINALIZERS_H
 

@@ -10,8 +10,8 @@ namespace sorel {
 namespace {
 
 // The arguments as text with a blank between; false when one cannot be converted, and why in `exception`.
-bool Join(JSContextRef context, size_t count, const JSValueRef arguments[], bool showObjects, std::string* line,
-          JSValueRef* exception) {
+bool Join(JSContextRef context, size_t count, const JSValueRef arguments[], bool showObjects,
+          std::string* line, JSValueRef* exception) {
   for (size_t i = 0; i < count; ++i) {
     std::string text;
     if (showObjects && JSValueIsObject(context, arguments[i])) {

@@ -43,7 +43,8 @@ JSValueRef Exit(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, co
   return Unwind(context, exception);
 }
 
-JSValueRef CollectGarbage(JSContextRef context, JSObjectRef, JSObjectRef, size_t, const JSValueRef[], JSValueRef*) {
+JSValueRef CollectGarbage(JSContextRef context, JSObjectRef, JSObjectRef, size_t, const JSValueRef[],
+                          JSValueRef*) {
   JSSynchronousGarbageCollectForDebugging(context);
   return JSValueMakeUndefined(context);
 }

@@ -7,7 +7,8 @@
 namespace sorel {
 namespace {
 
-// The script thread's last `this`. Entries are freed by the script thread alone, so nobody frees it under its eyes.
+// The script thread's last `this`. Entries are freed by the script thread alone, so nobody frees it under its
+// eyes.
 struct LastSelf {
   JSObjectRef object = nullptr;
   JSWeakRef weak = nullptr;
@@ -54,7 +55,8 @@ Word HandleTable::Add(JSObjectRef object, Kind kind) {
   return ObjectLayout::Make({slot.generation, index}, kObjectTag);
 }
 
-// An address may belong to a new object while the entry of the one that lay there before is still in the table.
+// An address may belong to a new object while the entry of the one that lay there before is still in the
+// table.
 Word HandleTable::FindAlive(JSObjectRef object) const {
   const auto found = byObject_.find(object);
   if (found == byObject_.end()) return 0;
@@ -115,8 +117,12 @@ bool HandleTable::SetFinalizer(Word handle, zq_Finalizer finalizer) {
   return true;
 }
 
-std::vector<Finalization> HandleTable::TakeCollected() { return Take(false); }
-std::vector<Finalization> HandleTable::TakeAll() { return Take(true); }
+std::vector<Finalization> HandleTable::TakeCollected() {
+  return Take(false);
+}
+std::vector<Finalization> HandleTable::TakeAll() {
+  return Take(true);
+}
 
 std::vector<Finalization> HandleTable::Take(bool all) {
   const std::lock_guard lock(mutex_);

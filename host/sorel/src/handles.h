@@ -1,8 +1,9 @@
 // Objects that modules hold by handle.
 //
-// A handle keeps nothing alive: it is good as long as the script can reach the object, and refused from the moment
-// that it was collected. One object has one handle for all its life. Module objects (made by a class constructor)
-// carry the module's private pointer and finalizer besides; their entry stays until the finalizer ran.
+// A handle keeps nothing alive: it is good as long as the script can reach the object, and refused from the
+// moment that it was collected. One object has one handle for all its life. Module objects (made by a class
+// constructor) carry the module's private pointer and finalizer besides; their entry stays until the
+// finalizer ran.
 //
 //   free -> plain     -> free, when found collected
 //   free -> instance  -> dead, when found collected or the host ends -> free, by Release
@@ -51,7 +52,8 @@ class HandleTable {
   Word AddInstance(JSObjectRef object);
   // Null for a handle that is out of date. Engine lock.
   JSObjectRef Object(Word handle) const;
-  // For the `this` of a call, which its caller keeps alive: no lock. The last answer to each thread is remembered.
+  // For the `this` of a call, which its caller keeps alive: no lock. The last answer to each thread is
+  // remembered.
   Self FindInstance(JSObjectRef object) const;
 
   // False for handles that are no module object's.
@@ -59,8 +61,8 @@ class HandleTable {
   bool GetPrivate(Word handle, void** pointer) const;
   bool SetFinalizer(Word handle, zq_Finalizer finalizer);
 
-  // Frees the entries of collected objects; those of module objects are returned, in the order of construction, to
-  // be finalized and released. Script thread, engine lock.
+  // Frees the entries of collected objects; those of module objects are returned, in the order of
+  // construction, to be finalized and released. Script thread, engine lock.
   std::vector<Finalization> TakeCollected();
   // All module objects that are left, as if collected. Script thread, engine lock.
   std::vector<Finalization> TakeAll();

@@ -26,8 +26,14 @@ void Fail(JSContextRef context, JSValueRef thrown) {
 }
 
 // Called by the engine with the promise and the reason.
-JSValueRef OnUnhandledRejection(JSContextRef context, JSObjectRef, JSObjectRef, size_t count,
-                                const JSValueRef arguments[], JSValueRef*) {
+JSValueRef ReportRejection(JSContextRef context, JSObjectRef, JSObjectRef, size_t count,
+                           const JSValueRef arguments[], JSValueRef*) {
+  if (count > 1) WriteLine(DescribeError(context, arguments[1]), false);
+  return JSValueMakeUndefined(context);
+}
+
+JSValueRef FailOnRejection(JSContextRef context, JSObjectRef, JSObjectRef, size_t count,
+                           const JSValueRef arguments[], JSValueRef*) {
   if (count > 1) Fail(context, arguments[1]);
   return JSValueMakeUndefined(context);
 }
@@ -46,10 +52,9 @@ bool Host::Start(const Options& options, std::string* error) {
   CatchSignals(RestoreTerminal);
   JSContextRef context = runtime.Context();
   AddGlobals(context, runtime.Global());
-  if (!interactive_) {
-    JSGlobalContextSetUnhandledRejectionCallback(
-        runtime.Context(), JSObjectMakeFunctionWithCallback(context, nullptr, OnUnhandledRejection), nullptr);
-  }
+  const auto onRejection = interactive_ ? ReportRejection : FailOnRejection;
+  JSGlobalContextSetUnhandledRejectionCallback(
+      runtime.Context(), JSObjectMakeFunctionWithCallback(context, nullptr, onRejection), nullptr);
   std::vector<std::string> paths = options.modules;
   if (paths.empty()) paths.push_back(DefaultModulePath());
   for (const std::string& path : paths) {

@@ -1,8 +1,8 @@
-// When an idle host collects garbage: dropped module objects end the program, or at least their device work, only when
-// they are found. Decides only.
+// When an idle host collects garbage: dropped module objects end the program, or at least their device work,
+// only when they are found. Decides only.
 //
-//   something ran:  0 ms, then after 100 ms, 1 s, 10 s of idleness (a stack may have hidden an object), then rest
-//   found one:      begins anew
+//   something ran:  0 ms, then after 100 ms, 1 s, 10 s of idleness (a stack may have hidden an object), then
+//   rest found one:      begins anew
 // A script that is busy and drops nothing sees them at most every 50 ms, then every 100, 200, up to 10 s.
 #ifndef SOREL_IDLE_COLLECTOR_H
 #define SOREL_IDLE_COLLECTOR_H

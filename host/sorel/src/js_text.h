@@ -35,11 +35,12 @@ class JsText {
   JSStringRef string_ = nullptr;
 };
 
-// The bytes end at the first NUL, or after `length` bytes; those there must be readable up to and with the one that
-// ends them.
+// The bytes end at the first NUL, or after `length` bytes; those there must be readable up to and with the
+// one that ends them.
 JSStringRef MakeJsString(const char* bytes, size_t length);
 std::string ToUtf8(JSStringRef string);
-// What String(value) gives; false, and the script's exception in `exception` when asked for, when that throws.
+// What String(value) gives; false, and the script's exception in `exception` when asked for, when that
+// throws.
 bool ToUtf8(JSContextRef context, JSValueRef value, std::string* text, JSValueRef* exception = nullptr);
 JSValueRef MakeJsValue(JSContextRef context, std::string_view text);
 

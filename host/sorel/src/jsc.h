@@ -24,8 +24,8 @@ void JSWeakRelease(JSContextGroupRef group, JSWeakRef weak);
 
 // `callback` is asked after each `seconds` of processor time that a script runs on; true ends the script.
 typedef bool (*JSShouldTerminateCallback)(JSContextRef context, void* data);
-void JSContextGroupSetExecutionTimeLimit(JSContextGroupRef group, double seconds, JSShouldTerminateCallback callback,
-                                         void* data);
+void JSContextGroupSetExecutionTimeLimit(JSContextGroupRef group, double seconds,
+                                         JSShouldTerminateCallback callback, void* data);
 
 // `function` is called with a rejected promise that nobody handles, and its reason.
 void JSGlobalContextSetUnhandledRejectionCallback(JSGlobalContextRef context, JSObjectRef function,

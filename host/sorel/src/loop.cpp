@@ -16,9 +16,10 @@
 
 namespace sorel {
 
-void Loop::WatchInput(int descriptor, std::function<void()> ready) {
+void Loop::WatchInput(int descriptor, std::function<void()> ready, std::function<void()> idle) {
   input_ = descriptor;
   ready_ = std::move(ready);
+  idle_ = std::move(idle);
 }
 
 bool Loop::Alive() const {
@@ -57,6 +58,7 @@ void Loop::CollectWhenIdle(JSContextRef context) {
 
 void Loop::Wait() {
   zq_Clock* clock = zq_ClockGet();
+  if (idle_) idle_();
   FlushOutput();
   const Instant collection = collector_.NextDue(clock->MonotonicNs(), Runtime::Get().Handles().Instances());
   std::array<pollfd, 2> ready = {{{Runtime::Get().WakeFd(), POLLIN, 0}, {input_, POLLIN, 0}}};

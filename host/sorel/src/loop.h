@@ -1,4 +1,5 @@
-// The script thread's loop: timers, finalizers, input of the prompt, and when to look for unreachable objects.
+// The script thread's loop: timers, finalizers, input of the prompt, and when to look for unreachable
+// objects.
 #ifndef SOREL_LOOP_H
 #define SOREL_LOOP_H
 
@@ -11,11 +12,11 @@ namespace sorel {
 
 class Loop {
  public:
-  // Runs until nothing is left to wait for, the host is asked to end, or a timer's function throws: then what it
-  // threw, else null.
+  // Runs until nothing is left to wait for, the host is asked to end, or a timer's function throws: then what
+  // it threw, else null.
   JSValueRef Run(JSContextRef context);
-  // Keeps the loop alive and calls `ready` whenever the descriptor can be read; -1 and null end that.
-  void WatchInput(int descriptor, std::function<void()> ready);
+  // Keeps the loop alive; calls `ready` whenever the descriptor can be read, and `idle` before it waits.
+  void WatchInput(int descriptor, std::function<void()> ready, std::function<void()> idle);
 
  private:
   // True while something can still happen.
@@ -25,6 +26,7 @@ class Loop {
 
   int input_ = -1;
   std::function<void()> ready_;
+  std::function<void()> idle_;
   IdleCollector collector_;
 };
 

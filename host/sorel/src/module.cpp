@@ -24,7 +24,8 @@ bool Find(void* library, const char* name, const std::string& path, Function* fu
 
 bool Module::FindEntryPoints(void* library, const std::string& path, std::string* error) {
   return Find(library, "MM_Load", path, &load_, error) && Find(library, "MM_Unload", path, &unload_, error) &&
-         Find(library, "MM_InitWrapper", path, &init_, error) && Find(library, "MM_TermWrapper", path, &term_, error);
+         Find(library, "MM_InitWrapper", path, &init_, error) &&
+         Find(library, "MM_TermWrapper", path, &term_, error);
 }
 
 std::unique_ptr<Module> Module::Load(const std::string& path, std::string* error) {
@@ -59,7 +60,9 @@ void Module::End() {
   unload_();
 }
 
-std::string ClassNameOf(const std::string& path) { return std::filesystem::path(path).stem().string(); }
+std::string ClassNameOf(const std::string& path) {
+  return std::filesystem::path(path).stem().string();
+}
 
 std::string DefaultModulePath() {
   Dl_info info{};

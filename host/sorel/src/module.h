@@ -13,8 +13,9 @@ namespace sorel {
 
 class Module {
  public:
-  // Loads the library, defines the class named as the file, without ".so", and starts the module. Null, and one line
-  // that says why in `error`. The library stays in the process to its end: threads may still be in its code.
+  // Loads the library, defines the class named as the file, without ".so", and starts the module. Null, and
+  // one line that says why in `error`. The library stays in the process to its end: threads may still be in
+  // its code.
   static std::unique_ptr<Module> Load(const std::string& path, std::string* error);
   Module(const Module&) = delete;
   Module& operator=(const Module&) = delete;

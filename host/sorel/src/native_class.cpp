@@ -17,8 +17,8 @@
 namespace sorel {
 namespace {
 
-// A constructor in the script's own language has everything that scripts expect of one: `new.target`, `extends`,
-// `instanceof`, a name.
+// A constructor in the script's own language has everything that scripts expect of one: `new.target`,
+// `extends`, `instanceof`, a name.
 constexpr const char* kMakeClass = R"js((function(name) {
   let construct = null;
   const type = {[name]: function() {
@@ -91,8 +91,8 @@ JSObjectRef MakeClass(const std::string& name) {
   JSValueRef maker = JSEvaluateScript(context, JsText::Of(kMakeClass).Get(), nullptr, nullptr, 1, nullptr);
   if (maker == nullptr) return nullptr;
   JSValueRef argument = MakeJsValue(context, name);
-  JSValueRef made =
-      JSObjectCallAsFunction(context, JSValueToObject(context, maker, nullptr), nullptr, 1, &argument, nullptr);
+  JSValueRef made = JSObjectCallAsFunction(context, JSValueToObject(context, maker, nullptr), nullptr, 1,
+                                           &argument, nullptr);
   if (made == nullptr) return nullptr;
   JSObjectRef pair = JSValueToObject(context, made, nullptr);
   JSObjectRef constructor = GetObjectProperty(context, pair, "0");
@@ -101,7 +101,8 @@ JSObjectRef MakeClass(const std::string& name) {
   JSValueProtect(context, constructor);
   JSValueProtect(context, setConstructor);
   Classes()[constructor] = {name, setConstructor};
-  if (!SetProperty(context, Runtime::Get().Global(), name, constructor, kJSPropertyAttributeDontEnum)) return nullptr;
+  if (!SetProperty(context, Runtime::Get().Global(), name, constructor, kJSPropertyAttributeDontEnum))
+    return nullptr;
   return constructor;
 }
 
@@ -123,7 +124,8 @@ bool DefineMethod(JSObjectRef object, const char* name, zq_NativeMethod method, 
   SetProperty(context, function, "length", JSValueMakeNumber(context, declared), kFixed);
   if (isConstructor) {
     JSValueRef argument = function;
-    return JSObjectCallAsFunction(context, found->second.setConstructor, nullptr, 1, &argument, nullptr) != nullptr;
+    return JSObjectCallAsFunction(context, found->second.setConstructor, nullptr, 1, &argument, nullptr) !=
+           nullptr;
   }
   JSObjectRef target = ofClass ? GetObjectProperty(context, object, "prototype") : object;
   return target != nullptr && SetProperty(context, target, name, function, kJSPropertyAttributeDontEnum);
@@ -133,14 +135,16 @@ JSValueRef CallNative(const NativeMethod& method, JSContextRef context, JSObject
                       const JSValueRef arguments[], JSValueRef* exception) {
   Runtime& runtime = Runtime::Get();
   if (runtime.ExitRequested() || !runtime.Serves()) return Unwind(context, exception);
-  const HandleTable::Self known = method.isConstructor ? Construct(self) : runtime.Handles().FindInstance(self);
+  const HandleTable::Self known =
+      method.isConstructor ? Construct(self) : runtime.Handles().FindInstance(self);
   const Word handle = known.handle != 0 ? known.handle : HandleOfSelf(self);
   JSValueRef result = nullptr;
   {
     Scope scope(context, known);
     ArgumentWords words(context, scope, count, arguments, method.declared);
     Word answer = ZQ_VALUE_VOID;
-    const int32_t handled = method.call(PointerOf(handle), static_cast<uint32_t>(count), words.Data(), &answer);
+    const int32_t handled =
+        method.call(PointerOf(handle), static_cast<uint32_t>(count), words.Data(), &answer);
     if (handled == 0 || !ValueOf(context, answer, &result)) result = nullptr;
   }
   runtime.RestoreLimit();

@@ -17,11 +17,11 @@ struct NativeMethod {
   std::string failure;  // "Class.method failed"
 };
 
-// Makes the class of that name, without constructor or methods, as a property of the global object. Returns its
-// constructor function, kept alive for good; null when the engine refuses. Script thread.
+// Makes the class of that name, without constructor or methods, as a property of the global object. Returns
+// its constructor function, kept alive for good; null when the engine refuses. Script thread.
 JSObjectRef MakeClass(const std::string& name);
-// Defines a method for the objects of a class, or on any other object. The method named "constructor" of a class is
-// what `new` calls. False when the object is gone or the names run out. Engine lock.
+// Defines a method for the objects of a class, or on any other object. The method named "constructor" of a
+// class is what `new` calls. False when the object is gone or the names run out. Engine lock.
 bool DefineMethod(JSObjectRef object, const char* name, zq_NativeMethod method, uint32_t declared);
 // One call of a native method by a script; its form is the engine's.
 JSValueRef CallNative(const NativeMethod& method, JSContextRef context, JSObjectRef self, size_t count,

@@ -60,8 +60,10 @@ std::vector<std::string> ArgumentsFor(const Options& options, const std::string&
     arguments.emplace_back("--module");
     arguments.push_back(absolute(module));
   }
-  if (options.script == "-") arguments.push_back(options.script);
-  else if (!options.script.empty()) arguments.push_back(absolute(options.script));
+  if (options.script == "-")
+    arguments.push_back(options.script);
+  else if (!options.script.empty())
+    arguments.push_back(absolute(options.script));
   return arguments;
 }
 

@@ -20,7 +20,8 @@ extern const char kUsage[];
 
 // False, and what is wrong in `error`. `arguments` without the program's name.
 bool ParseOptions(const std::vector<std::string>& arguments, Options* options, std::string* error);
-// The arguments that mean the same in another working directory; `folder` is this one. The device is left out.
+// The arguments that mean the same in another working directory; `folder` is this one. The device is left
+// out.
 std::vector<std::string> ArgumentsFor(const Options& options, const std::string& folder);
 
 }  // namespace sorel

@@ -1,4 +1,5 @@
-// The prompt: lines of script typed at a terminal, with history and completion, while the loop goes on. Script thread.
+// The prompt: lines of script typed at a terminal, with history and completion, while the loop goes on.
+// Script thread.
 #ifndef SOREL_PROMPT_H
 #define SOREL_PROMPT_H
 
@@ -7,8 +8,8 @@
 
 namespace sorel {
 
-// Shows the prompt and reads lines until the user leaves or the host is asked to end. Returns when the terminal is as
-// it was.
+// Shows the prompt and reads lines until the user leaves or the host is asked to end. Returns when the
+// terminal is as it was.
 void RunPrompt(JSContextRef context, Loop& loop);
 // Gives the terminal back at once; for the ways out that pass by RunPrompt. Safe in a signal handler.
 void RestoreTerminal();

@@ -11,7 +11,8 @@ bool SetProperty(JSContextRef context, JSObjectRef object, std::string_view name
   return exception == nullptr;
 }
 
-JSValueRef GetProperty(JSContextRef context, JSObjectRef object, std::string_view name, JSValueRef* exception) {
+JSValueRef GetProperty(JSContextRef context, JSObjectRef object, std::string_view name,
+                       JSValueRef* exception) {
   JSValueRef thrown = nullptr;
   JSValueRef value = JSObjectGetProperty(context, object, JsText::Of(name).Get(), &thrown);
   if (exception != nullptr) *exception = thrown;

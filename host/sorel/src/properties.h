@@ -16,7 +16,8 @@ JSValueRef GetProperty(JSContextRef context, JSObjectRef object, std::string_vie
                        JSValueRef* exception = nullptr);
 // Null when the property is no object.
 JSObjectRef GetObjectProperty(JSContextRef context, JSObjectRef object, std::string_view name);
-// An engine function of that name, as a property of the object. Null, and no property, when the engine refuses.
+// An engine function of that name, as a property of the object. Null, and no property, when the engine
+// refuses.
 JSObjectRef AddFunction(JSContextRef context, JSObjectRef object, std::string_view name,
                         JSObjectCallAsFunctionCallback callback);
 

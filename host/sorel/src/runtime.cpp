@@ -8,7 +8,8 @@
 namespace sorel {
 namespace {
 
-// How long a script computes before it is asked whether it should end: not felt by a person, nothing to the script.
+// How long a script computes before it is asked whether it should end: not felt by a person, nothing to the
+// script.
 constexpr double kLimitSeconds = 0.1;
 
 }  // namespace
@@ -32,7 +33,9 @@ void Runtime::RequestExit(int status) {
   Wake();
 }
 
-void Runtime::RequestExitBySignal(int signal) { RequestExit(128 + signal); }
+void Runtime::RequestExitBySignal(int signal) {
+  RequestExit(128 + signal);
+}
 
 void Runtime::RestartLimit() {
   limitElsewhere_.store(!OnScriptThread(), std::memory_order_relaxed);
@@ -53,7 +56,8 @@ void Runtime::AfterCollection(JSContextGroupRef, void* self) {
 
 bool Runtime::ShouldTerminate(JSContextRef, void* self) {
   auto& runtime = *static_cast<Runtime*>(self);
-  // Without a new limit the engine asks once for each entry, and a script that never leaves is never asked again.
+  // Without a new limit the engine asks once for each entry, and a script that never leaves is never asked
+  // again.
   runtime.RestartLimit();
   return runtime.ExitRequested();
 }

@@ -1,5 +1,5 @@
-// The one script engine of the process, and whether it still serves. Lives until the process is gone: threads of
-// modules may call in at any time.
+// The one script engine of the process, and whether it still serves. Lives until the process is gone: threads
+// of modules may call in at any time.
 #ifndef SOREL_RUNTIME_H
 #define SOREL_RUNTIME_H
 
@@ -33,8 +33,9 @@ class Runtime {
   void RequestExitBySignal(int signal);
   bool ExitRequested() const { return exitStatus_.load(std::memory_order_relaxed) != kRunning; }
   int ExitStatus() const { return exitStatus_.load(); }
-  // Scripts are asked every tenth of a second of processor time whether they should end. The engine keeps one limit
-  // for all threads, each of which has a processor time of its own: to be called where a script's thread changes.
+  // Scripts are asked every tenth of a second of processor time whether they should end. The engine keeps one
+  // limit for all threads, each of which has a processor time of its own: to be called where a script's
+  // thread changes.
   void RestartLimit();
   // As RestartLimit, when another thread was the last to; for each return of the script thread to its script.
   void RestoreLimit() {
@@ -65,7 +66,8 @@ class Runtime {
   std::atomic<bool> limitElsewhere_{false};
 };
 
-// Holds the engine's lock, so that several of its calls see one state. Jobs of the script run when it is let go.
+// Holds the engine's lock, so that several of its calls see one state. Jobs of the script run when it is let
+// go.
 class EngineLock {
  public:
   EngineLock() { JSLock(Runtime::Get().Context()); }

@@ -8,8 +8,8 @@ namespace {
 
 thread_local Scope* t_innermost = nullptr;
 
-// Serial numbers are unique in the process, so that a handle given to another thread is refused there; each thread
-// takes them by the block.
+// Serial numbers are unique in the process, so that a handle given to another thread is refused there; each
+// thread takes them by the block.
 class Serials {
  public:
   Word Next() {
@@ -31,7 +31,8 @@ thread_local Serials t_serials;
 
 }  // namespace
 
-// Values of a thread outside any call or request: two scopes, the older of which is dropped when the younger is full.
+// Values of a thread outside any call or request: two scopes, the older of which is dropped when the younger
+// is full.
 class LooseScopes {
  public:
   Scope& Get(JSContextRef context) {
@@ -85,7 +86,9 @@ Scope& Scope::Current(JSContextRef context) {
   return t_innermost != nullptr ? *t_innermost : t_loose.Get(context);
 }
 
-Scope* Scope::Innermost() { return t_innermost; }
+Scope* Scope::Innermost() {
+  return t_innermost;
+}
 
 const Scope::Entry* Scope::Find(Word handle) {
   if (!IsScopedHandle(handle)) return nullptr;
@@ -110,14 +113,18 @@ Word Scope::Add(const Entry& entry) {
   return ScopedLayout::Make({serial_, count_++}, kScopedTag);
 }
 
-Word Scope::AddRooted(JSValueRef value) { return Add({value, nullptr, false}); }
+Word Scope::AddRooted(JSValueRef value) {
+  return Add({value, nullptr, false});
+}
 
 Word Scope::AddProtected(JSValueRef value) {
   JSValueProtect(context_, value);
   return Add({value, nullptr, true});
 }
 
-Word Scope::AddString(JSStringRef adopted) { return Add({nullptr, adopted, false}); }
+Word Scope::AddString(JSStringRef adopted) {
+  return Add({nullptr, adopted, false});
+}
 
 const char* Scope::AddText(const char* bytes, size_t length) {
   auto text = std::make_unique<char[]>(length + 1);

@@ -1,6 +1,6 @@
-// The values that a module has in hand for a while: the arguments of a native method, the strings and objects that
-// it makes, the texts it asked for. They are good until the native method returns; on other threads until
-// EndRequest; on a thread outside any request the latest few hundred are.
+// The values that a module has in hand for a while: the arguments of a native method, the strings and objects
+// that it makes, the texts it asked for. They are good until the native method returns; on other threads
+// until EndRequest; on a thread outside any request the latest few hundred are.
 //
 // Scopes of a thread are nested; each thread sees its own alone.
 #ifndef SOREL_SCOPE_H
@@ -62,8 +62,8 @@ class Scope {
   Scope* const outer_;
   const Word serial_;
   size_t count_ = 0;
-  // On the stack, where the collector sees what the entries name. Only the first count_ are initialised: a call
-  // without arguments pays for none.
+  // On the stack, where the collector sees what the entries name. Only the first count_ are initialised: a
+  // call without arguments pays for none.
   union {
     std::array<Entry, kInline> first_;
   };

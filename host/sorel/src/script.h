@@ -18,7 +18,8 @@ bool ReadScript(const std::string& path, ScriptText* script, std::string* error)
 bool ReadScriptFromStdin(ScriptText* script, std::string* error);
 // The value of the last expression; null when the script threw, and what in `thrown`.
 JSValueRef Evaluate(JSContextRef context, const ScriptText& script, JSValueRef* thrown);
-// The path that `load(path)` means when `caller` calls it, a script's name ("" for none): relative to its folder.
+// The path that `load(path)` means when `caller` calls it, a script's name ("" for none): relative to its
+// folder.
 std::string ResolveScript(const std::string& path, const std::string& caller);
 
 }  // namespace sorel

@@ -5,9 +5,13 @@
 namespace sorel {
 
 inline thread_local bool t_onScriptThread = false;
-inline bool OnScriptThread() { return t_onScriptThread; }
+inline bool OnScriptThread() {
+  return t_onScriptThread;
+}
 // Called once, by the main thread.
-inline void BecomeScriptThread() { t_onScriptThread = true; }
+inline void BecomeScriptThread() {
+  t_onScriptThread = true;
+}
 
 }  // namespace sorel
 

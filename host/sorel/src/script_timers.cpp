@@ -28,7 +28,9 @@ ScriptTimers& All() {
   return all;
 }
 
-Instant Now() { return zq_ClockGet()->MonotonicNs(); }
+Instant Now() {
+  return zq_ClockGet()->MonotonicNs();
+}
 
 void Unprotect(JSContextRef context, const Call& call) {
   for (JSValueRef value : call) JSValueUnprotect(context, value);
@@ -42,7 +44,8 @@ uint64_t DelayNs(JSContextRef context, size_t count, const JSValueRef arguments[
   return static_cast<uint64_t>(std::min(milliseconds, kLongest) * 1e6);
 }
 
-JSValueRef Set(JSContextRef context, size_t count, const JSValueRef arguments[], JSValueRef* exception, bool repeats) {
+JSValueRef Set(JSContextRef context, size_t count, const JSValueRef arguments[], JSValueRef* exception,
+               bool repeats) {
   const bool callable = count > 0 && JSValueIsObject(context, arguments[0]) &&
                         JSObjectIsFunction(context, JSValueToObject(context, arguments[0], nullptr));
   if (!callable) {
@@ -64,13 +67,13 @@ JSValueRef Set(JSContextRef context, size_t count, const JSValueRef arguments[],
   return JSValueMakeNumber(context, id);
 }
 
-JSValueRef SetTimeout(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
-                      JSValueRef* exception) {
+JSValueRef SetTimeout(JSContextRef context, JSObjectRef, JSObjectRef, size_t count,
+                      const JSValueRef arguments[], JSValueRef* exception) {
   return Set(context, count, arguments, exception, false);
 }
 
-JSValueRef SetInterval(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
-                       JSValueRef* exception) {
+JSValueRef SetInterval(JSContextRef context, JSObjectRef, JSObjectRef, size_t count,
+                       const JSValueRef arguments[], JSValueRef* exception) {
   return Set(context, count, arguments, exception, true);
 }
 

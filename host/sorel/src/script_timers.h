@@ -1,5 +1,5 @@
-// The timers of scripts: setTimeout, setInterval and their clears. Any thread may set and clear, as listeners may run
-// on any; they fire on the script thread.
+// The timers of scripts: setTimeout, setInterval and their clears. Any thread may set and clear, as listeners
+// may run on any; they fire on the script thread.
 #ifndef SOREL_SCRIPT_TIMERS_H
 #define SOREL_SCRIPT_TIMERS_H
 

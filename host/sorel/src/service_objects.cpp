@@ -89,7 +89,8 @@ int32_t ServiceSetProperty(void* object, const char* name, zq_Value* value) {
 
 int32_t ServiceCallMethod(void* object, const char* name, uint32_t argc, zq_Value* argv, zq_Value* rval) {
   Runtime& runtime = Runtime::Get();
-  if (name == nullptr || (argc > 0 && argv == nullptr) || !runtime.Serves() || runtime.ExitRequested()) return 0;
+  if (name == nullptr || (argc > 0 && argv == nullptr) || !runtime.Serves() || runtime.ExitRequested())
+    return 0;
   if (rval != nullptr) *rval = ZQ_VALUE_VOID;
   JSContextRef context = runtime.Context();
   const EngineLock lock;

@@ -9,8 +9,12 @@
 namespace sorel {
 namespace {
 
-void ServiceBeginRequest(void*) { BeginRequestScope(Runtime::Get().Context()); }
-void ServiceEndRequest(void*) { EndRequestScope(); }
+void ServiceBeginRequest(void*) {
+  BeginRequestScope(Runtime::Get().Context());
+}
+void ServiceEndRequest(void*) {
+  EndRequestScope();
+}
 
 void ServiceHostLog(const char* text) {
   static const int instance = zq_TraceCreate("sorel", __FILE__, __LINE__);

@@ -17,7 +17,8 @@ Runtime* g_runtime = nullptr;
 void (*g_restore)() = nullptr;
 std::atomic<uint64_t> g_firstNs{0};
 
-// One key press reaches a whole process group, and a parent may pass it on besides: that is one request, not two.
+// One key press reaches a whole process group, and a parent may pass it on besides: that is one request, not
+// two.
 constexpr uint64_t kOneRequestNs = 300'000'000;
 
 uint64_t NowNs() {

@@ -12,7 +12,9 @@ struct Character {
   size_t bytes;  // 0: no UTF-8 character begins here
 };
 
-bool IsContinuation(char byte) { return (static_cast<uint8_t>(byte) & 0xC0) == 0x80; }
+bool IsContinuation(char byte) {
+  return (static_cast<uint8_t>(byte) & 0xC0) == 0x80;
+}
 
 Character NextCharacter(std::string_view bytes) {
   const auto lead = static_cast<uint8_t>(bytes.front());
@@ -51,8 +53,12 @@ void AppendUtf8(std::string& bytes, char32_t code) {
   }
 }
 
-bool IsLead(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool IsTrail(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+bool IsLead(char16_t unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+bool IsTrail(char16_t unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
 
 }  // namespace
 

@@ -36,7 +36,9 @@ std::optional<uint32_t> Timers::TakeDue(Instant now) {
   return id;
 }
 
-Instant Timers::NextDue() const { return queue_.empty() ? kNever : queue_.begin()->first.first; }
+Instant Timers::NextDue() const {
+  return queue_.empty() ? kNever : queue_.begin()->first.first;
+}
 
 void Timers::Arm(uint32_t id, Timer& timer, Instant due) {
   timer.place = {due, ++armed_};

@@ -19,9 +19,9 @@ class Timers {
   uint32_t Add(Instant now, uint64_t delay, bool repeats);
   // False when there is none of that id (any more).
   bool Remove(uint32_t id);
-  // The timer that has been due longest, in the order of arming when due at one instant; none when nothing is due.
-  // One that does not repeat is gone with it; one that does is armed again, from `now` on: what was missed while the
-  // script was busy is not made up for.
+  // The timer that has been due longest, in the order of arming when due at one instant; none when nothing is
+  // due. One that does not repeat is gone with it; one that does is armed again, from `now` on: what was
+  // missed while the script was busy is not made up for.
   std::optional<uint32_t> TakeDue(Instant now);
   bool Has(uint32_t id) const { return timers_.count(id) != 0; }
   Instant NextDue() const;

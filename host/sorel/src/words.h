@@ -20,10 +20,15 @@ using Word = zq_Value;
 constexpr int32_t kIntMin = -(1 << 30) + 1;  // -(1 << 30) would be the word for void
 constexpr int32_t kIntMax = (1 << 30) - 1;
 
-constexpr bool IsInt(Word word) { return (word & 1) != 0 && word <= 0xFFFFFFFFU && word != ZQ_VALUE_VOID; }
-constexpr int32_t ToInt(Word word) { return static_cast<int32_t>(static_cast<uint32_t>(word)) >> 1; }
+constexpr bool IsInt(Word word) {
+  return (word & 1) != 0 && word <= 0xFFFFFFFFU && word != ZQ_VALUE_VOID;
+}
+constexpr int32_t ToInt(Word word) {
+  return static_cast<int32_t>(static_cast<uint32_t>(word)) >> 1;
+}
 constexpr bool FitsInt(double number) {
-  return number >= kIntMin && number <= kIntMax && number == static_cast<double>(static_cast<int32_t>(number));
+  return number >= kIntMin && number <= kIntMax &&
+         number == static_cast<double>(static_cast<int32_t>(number));
 }
 
 constexpr int kWordBits = std::numeric_limits<Word>::digits;
@@ -57,11 +62,19 @@ struct HandleLayout {
 using ObjectLayout = HandleLayout<kObjectIndexBits>;
 using ScopedLayout = HandleLayout<kScopedIndexBits>;
 
-constexpr bool IsObjectHandle(Word word) { return word != ZQ_VALUE_NULL && (word & kTagMask) == kObjectTag; }
-constexpr bool IsScopedHandle(Word word) { return (word & kTagMask) == kScopedTag; }
+constexpr bool IsObjectHandle(Word word) {
+  return word != ZQ_VALUE_NULL && (word & kTagMask) == kObjectTag;
+}
+constexpr bool IsScopedHandle(Word word) {
+  return (word & kTagMask) == kScopedTag;
+}
 
-inline Word WordOf(const void* handle) { return reinterpret_cast<Word>(handle); }
-inline void* PointerOf(Word handle) { return reinterpret_cast<void*>(handle); }
+inline Word WordOf(const void* handle) {
+  return reinterpret_cast<Word>(handle);
+}
+inline void* PointerOf(Word handle) {
+  return reinterpret_cast<void*>(handle);
+}
 
 }  // namespace sorel
 

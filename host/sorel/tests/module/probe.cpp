@@ -1,4 +1,5 @@
-// A class module for tests of the host: its methods do one thing with one service each, and say what came of it.
+// A class module for tests of the host: its methods do one thing with one service each, and say what came of
+// it.
 #include <unistd.h>
 
 #include <atomic>
@@ -69,9 +70,15 @@ int32_t NeedsPrivate(void* self, uint32_t, zq_Value*, zq_Value*) {
   return g_services.Get<zq_GetPrivate>(ZQ_SLOT_GET_PRIVATE)(self, &pointer) == 1 ? 1 : 0;
 }
 
-int32_t Answer(void*, uint32_t, zq_Value*, zq_Value* rval) { return String("192.168.1.17", rval); }
-int32_t Nothing(void*, uint32_t, zq_Value*, zq_Value*) { return 1; }
-int32_t Fail(void*, uint32_t, zq_Value*, zq_Value*) { return 0; }
+int32_t Answer(void*, uint32_t, zq_Value*, zq_Value* rval) {
+  return String("192.168.1.17", rval);
+}
+int32_t Nothing(void*, uint32_t, zq_Value*, zq_Value*) {
+  return 1;
+}
+int32_t Fail(void*, uint32_t, zq_Value*, zq_Value*) {
+  return 0;
+}
 
 // The word of the argument at the place given first, as text: "void", "null", "int N", "handle".
 int32_t Word(void*, uint32_t, zq_Value* argv, zq_Value* rval) {
@@ -108,15 +115,16 @@ int32_t Hex(void*, uint32_t, zq_Value* argv, zq_Value* rval) {
   return String(digits.c_str(), rval);
 }
 
-// A string of the bytes that the hexadecimal text names, with the second argument as length (-1: with the NUL).
+// A string of the bytes that the hexadecimal text names, with the second argument as length (-1: with the
+// NUL).
 int32_t FromHex(void*, uint32_t, zq_Value* argv, zq_Value* rval) {
   const std::string digits = Text(argv[0]);
   std::string bytes;
   for (size_t i = 0; i + 1 < digits.size(); i += 2) {
     bytes.push_back(static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16)));
   }
-  return g_services.Get<zq_NewString>(ZQ_SLOT_NEW_STRING)(bytes.c_str(), static_cast<uint32_t>(bytes.size() + 1),
-                                                         rval);
+  return g_services.Get<zq_NewString>(ZQ_SLOT_NEW_STRING)(bytes.c_str(),
+                                                          static_cast<uint32_t>(bytes.size() + 1), rval);
 }
 
 int32_t ToInt(void*, uint32_t, zq_Value* argv, zq_Value* rval) {
@@ -137,7 +145,8 @@ int32_t List(void*, uint32_t, zq_Value* argv, zq_Value* rval) {
     SetProperty(row, "Name", name);
     SetProperty(row, "Id", ZQ_VALUE_FROM_INT(i));
     zq_Value element = ValueOf(row);
-    if (g_services.Get<zq_SetElement>(ZQ_SLOT_SET_ELEMENT)(array, static_cast<uint32_t>(i), &element) != 1) return 0;
+    if (g_services.Get<zq_SetElement>(ZQ_SLOT_SET_ELEMENT)(array, static_cast<uint32_t>(i), &element) != 1)
+      return 0;
   }
   *rval = ValueOf(array);
   return 1;
@@ -218,8 +227,12 @@ int32_t UseGarbage(void*, uint32_t, zq_Value*, zq_Value* rval) {
   return Int(used, rval);
 }
 
-void Begin() { g_services.Get<zq_BeginRequest>(ZQ_SLOT_BEGIN_REQUEST)(g_services.ClassObject()); }
-void End() { g_services.Get<zq_EndRequest>(ZQ_SLOT_END_REQUEST)(g_services.ClassObject()); }
+void Begin() {
+  g_services.Get<zq_BeginRequest>(ZQ_SLOT_BEGIN_REQUEST)(g_services.ClassObject());
+}
+void End() {
+  g_services.Get<zq_EndRequest>(ZQ_SLOT_END_REQUEST)(g_services.ClassObject());
+}
 
 // A thread that calls the listener's "on" `calls` times with its number and a fresh string.
 void Storm(int number, int calls) {
@@ -263,7 +276,8 @@ int32_t WaitForWorker(void*, uint32_t, zq_Value*, zq_Value* rval) {
   return 1;
 }
 
-// A worker makes an object without a request around it, and hands it to the listener while the script is idle.
+// A worker makes an object without a request around it, and hands it to the listener while the script is
+// idle.
 int32_t CallFromLooseWorker(void*, uint32_t, zq_Value*, zq_Value*) {
   std::thread([] {
     for (int i = 0; i < 600; ++i) {
@@ -273,8 +287,8 @@ int32_t CallFromLooseWorker(void*, uint32_t, zq_Value*, zq_Value*) {
       SetProperty(row, "Name", name);
       zq_Value argument = ValueOf(row);
       const bool last = i == 599;
-      g_services.Get<zq_CallMethodWithArgs>(ZQ_SLOT_CALL_METHOD_WITH_ARGS)(g_listener, last ? "onLast" : "on", 1,
-                                                                          &argument);
+      g_services.Get<zq_CallMethodWithArgs>(ZQ_SLOT_CALL_METHOD_WITH_ARGS)(g_listener, last ? "onLast" : "on",
+                                                                           1, &argument);
     }
   }).detach();
   return 1;
@@ -315,23 +329,37 @@ struct Row {
 };
 
 constexpr Row kMethods[] = {
-    {"constructor", Constructor, 0},   {"hasPrivate", HasPrivate, 0},
-    {"needsPrivate", NeedsPrivate, 0}, {"answer", Answer, 0},
-    {"nothing", Nothing, 0},           {"fail", Fail, 0},
-    {"word", Word, 2},                 {"filler", Filler, 12},
-    {"echo", Echo, 1},                 {"pass", Pass, 1},
-    {"hex", Hex, 1},                   {"fromHex", FromHex, 1},
-    {"toInt", ToInt, 1},               {"list", List, 1},
-    {"listen", Listen, 1},             {"forget", Forget, 0},
-    {"store", Store, 1},               {"sameHandle", SameHandle, 1},
-    {"callStored", CallStored, 0},     {"callListener", CallListener, 1},
-    {"keepValue", KeepValue, 1},       {"useOldValue", UseOldValue, 0},
+    {"constructor", Constructor, 0},
+    {"hasPrivate", HasPrivate, 0},
+    {"needsPrivate", NeedsPrivate, 0},
+    {"answer", Answer, 0},
+    {"nothing", Nothing, 0},
+    {"fail", Fail, 0},
+    {"word", Word, 2},
+    {"filler", Filler, 12},
+    {"echo", Echo, 1},
+    {"pass", Pass, 1},
+    {"hex", Hex, 1},
+    {"fromHex", FromHex, 1},
+    {"toInt", ToInt, 1},
+    {"list", List, 1},
+    {"listen", Listen, 1},
+    {"forget", Forget, 0},
+    {"store", Store, 1},
+    {"sameHandle", SameHandle, 1},
+    {"callStored", CallStored, 0},
+    {"callListener", CallListener, 1},
+    {"keepValue", KeepValue, 1},
+    {"useOldValue", UseOldValue, 0},
     {"answerOldValue", AnswerOldValue, 0},
-    {"useGarbage", UseGarbage, 0},     {"startStorm", StartStorm, 2},
-    {"joinStorm", JoinStorm, 0},       {"waitForWorker", WaitForWorker, 0},
+    {"useGarbage", UseGarbage, 0},
+    {"startStorm", StartStorm, 2},
+    {"joinStorm", JoinStorm, 0},
+    {"waitForWorker", WaitForWorker, 0},
     {"callFromLooseWorker", CallFromLooseWorker, 0},
     {"callUntilRefused", CallUntilRefused, 0},
-    {"counts", Counts, 0},             {"sleep", Sleep, 1},
+    {"counts", Counts, 0},
+    {"sleep", Sleep, 1},
 };
 
 }  // namespace

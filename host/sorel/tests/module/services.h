@@ -29,13 +29,16 @@ class Services {
 
 inline Services g_services;
 
-inline void Log(const char* text) { g_services.Get<zq_HostLog>(ZQ_SLOT_HOST_LOG)(text); }
+inline void Log(const char* text) {
+  g_services.Get<zq_HostLog>(ZQ_SLOT_HOST_LOG)(text);
+}
 inline const char* Text(zq_Value value) {
   uint32_t scratch = 0;
   return g_services.Get<zq_ValueToString>(ZQ_SLOT_VALUE_TO_STRING)(value, &scratch);
 }
 inline int32_t String(const char* text, zq_Value* value) {
-  return g_services.Get<zq_NewString>(ZQ_SLOT_NEW_STRING)(text, static_cast<uint32_t>(strlen(text) + 1), value);
+  return g_services.Get<zq_NewString>(ZQ_SLOT_NEW_STRING)(text, static_cast<uint32_t>(strlen(text) + 1),
+                                                          value);
 }
 inline int32_t Object(zq_Value value, void** object) {
   return g_services.Get<zq_ValueToObject>(ZQ_SLOT_VALUE_TO_OBJECT)(value, object);
@@ -46,7 +49,9 @@ inline int32_t Call(void* object, const char* name, uint32_t argc, zq_Value* arg
 inline int32_t SetProperty(void* object, const char* name, zq_Value value) {
   return g_services.Get<zq_SetProperty>(ZQ_SLOT_SET_PROPERTY)(object, name, &value);
 }
-inline zq_Value ValueOf(void* object) { return reinterpret_cast<zq_Value>(object); }
+inline zq_Value ValueOf(void* object) {
+  return reinterpret_cast<zq_Value>(object);
+}
 
 }  // namespace probe
 
