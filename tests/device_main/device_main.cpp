@@ -1,5 +1,5 @@
-// A test program that runs on a simulated device of its own: it starts itself again on a fresh one, which is gone
-// when it ends. Works under ctest and by hand alike.
+// A test program that runs on a simulated device of its own: it starts itself again on a fresh one, which is
+// gone when it ends. Works under ctest and by hand alike.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -12,7 +12,8 @@
 
 namespace {
 
-// In memory where the machine has room for it: the module asks for durable writes, and a real disk takes its time.
+// In memory where the machine has room for it: the module asks for durable writes, and a real disk takes its
+// time.
 std::filesystem::path DeviceParent() {
   const char* const memory = "/dev/shm";
   return access(memory, W_OK) == 0 ? memory : std::filesystem::temp_directory_path();

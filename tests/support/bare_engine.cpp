@@ -8,9 +8,13 @@ namespace {
 
 BareEngine* g_engine = nullptr;
 
-bool IsInteger(zq_Value value) { return value != ZQ_VALUE_VOID && (value & 1U) != 0; }
+bool IsInteger(zq_Value value) {
+  return value != ZQ_VALUE_VOID && (value & 1U) != 0;
+}
 
-int32_t IntegerOf(zq_Value value) { return static_cast<int32_t>(static_cast<uint32_t>(value)) >> 1; }
+int32_t IntegerOf(zq_Value value) {
+  return static_cast<int32_t>(static_cast<uint32_t>(value)) >> 1;
+}
 
 }  // namespace
 
@@ -151,7 +155,9 @@ BareEngine::BareEngine() : table_(ZQ_ENGINE_SLOTS + 32, 0) {
   g_engine = this;
   classObject_ = &NewObject();
   using S = BareEngineServices;
-  const auto set = [this](zq_EngineSlot slot, auto service) { table_[slot] = reinterpret_cast<uintptr_t>(service); };
+  const auto set = [this](zq_EngineSlot slot, auto service) {
+    table_[slot] = reinterpret_cast<uintptr_t>(service);
+  };
   set(ZQ_SLOT_CLASS_OBJECT, classObject_);
   set(ZQ_SLOT_DEFINE_METHOD, S::DefineMethod);
   set(ZQ_SLOT_VALUE_TO_INT, S::ValueToInt);
@@ -172,7 +178,9 @@ BareEngine::BareEngine() : table_(ZQ_ENGINE_SLOTS + 32, 0) {
   set(ZQ_SLOT_HOST_LOG, S::HostLog);
 }
 
-BareEngine::~BareEngine() { g_engine = nullptr; }
+BareEngine::~BareEngine() {
+  g_engine = nullptr;
+}
 
 BareEngine::Object& BareEngine::NewObject() {
   const std::lock_guard lock(mutex_);
@@ -217,7 +225,8 @@ int32_t BareEngine::Finalize(Object& object) {
   return finalizer != nullptr ? finalizer(&object) : -1;
 }
 
-int32_t BareEngine::Call(Object& self, const std::string& method, std::vector<zq_Value> arguments, zq_Value* rval) {
+int32_t BareEngine::Call(Object& self, const std::string& method, std::vector<zq_Value> arguments,
+                         zq_Value* rval) {
   zq_NativeMethod native = nullptr;
   {
     const std::lock_guard lock(mutex_);
@@ -225,7 +234,8 @@ int32_t BareEngine::Call(Object& self, const std::string& method, std::vector<zq
     if (found == classObject_->methods.end()) return -1;
     native = found->second.first;
   }
-  return native(&self, static_cast<uint32_t>(arguments.size()), arguments.empty() ? nullptr : arguments.data(), rval);
+  return native(&self, static_cast<uint32_t>(arguments.size()),
+                arguments.empty() ? nullptr : arguments.data(), rval);
 }
 
 std::string BareEngine::Answer(Object& self, const std::string& method, std::vector<zq_Value> arguments) {

@@ -1,5 +1,6 @@
-// A script engine without scripts: the service table over plain C++ objects, for tests that call a class module the
-// way a host does. Services can be taken out one by one. What the module does with the engine is recorded.
+// A script engine without scripts: the service table over plain C++ objects, for tests that call a class
+// module the way a host does. Services can be taken out one by one. What the module does with the engine is
+// recorded.
 //
 // One instance at a time; services may be called from any thread.
 #ifndef ZQ_TEST_BARE_ENGINE_H

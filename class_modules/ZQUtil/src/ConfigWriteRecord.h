@@ -1,9 +1,9 @@
 // One deferred write of a setting, and its turn among the others.
 //
-// Each write has a thread of its own, but writes are carried out in the order in which they were asked for: of two
-// values that a script sets one after the other, the second is the one that stays. A record links to the one before
-// it and waits for that one's `done`; there is no lock, and no record ends before its followers: records and their
-// strings are kept for the life of the process.
+// Each write has a thread of its own, but writes are carried out in the order in which they were asked for:
+// of two values that a script sets one after the other, the second is the one that stays. A record links to
+// the one before it and waits for that one's `done`; there is no lock, and no record ends before its
+// followers: records and their strings are kept for the life of the process.
 #ifndef ZQUTIL_CONFIG_WRITE_RECORD_H
 #define ZQUTIL_CONFIG_WRITE_RECORD_H
 
@@ -20,8 +20,8 @@ struct ConfigWriteRecord {
   std::atomic<uint32_t> done;  // 1 when the write was tried
 };
 
-// A record with copies of the texts, next in turn; null when there is no memory. Any thread. The caller sees to it
-// that PassTurn is called for it.
+// A record with copies of the texts, next in turn; null when there is no memory. Any thread. The caller sees
+// to it that PassTurn is called for it.
 ConfigWriteRecord* NewConfigWriteRecord(const char* section, const char* key, const char* stringValue,
                                         int32_t intValue, const char* file);
 void AwaitTurn(const ConfigWriteRecord& record);

@@ -8,4 +8,6 @@ constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQDateTime";
 
 ZQDateTime::ZQDateTime(bool /*live*/) : timeZones(new zq_List("Timezone List", kSourceTag, __LINE__)) {}
 
-ZQDateTime::~ZQDateTime() { delete timeZones; }
+ZQDateTime::~ZQDateTime() {
+  delete timeZones;
+}

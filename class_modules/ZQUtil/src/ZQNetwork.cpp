@@ -35,9 +35,12 @@ ZQNetwork::ZQNetwork(bool /*live*/) : essidList(new zq_List("ESSID List", kSourc
   }
 }
 
-ZQNetwork::~ZQNetwork() { delete essidList; }
+ZQNetwork::~ZQNetwork() {
+  delete essidList;
+}
 
-zq_List* ZQNetwork::getESSIDList(bool /*scan*/, bool /*background*/, const char* /*essid*/, bool /*passive*/) {
+zq_List* ZQNetwork::getESSIDList(bool /*scan*/, bool /*background*/, const char* /*essid*/,
+                                 bool /*passive*/) {
   return essidList;
 }
 

@@ -18,11 +18,12 @@ class ZQUTIL_API ZQNetwork {
 
   // The list of networks in the air, owned by this object.
   zq_List* getESSIDList(bool scan, bool background, const char* essid, bool passive);
-  // Sets or removes the environment variable "http_proxy" as "net.proxy" and "net.proxyen" say. Script thread.
+  // Sets or removes the environment variable "http_proxy" as "net.proxy" and "net.proxyen" say. Script
+  // thread.
   void ConditionallyEnableProxy();
 
-  // State of the connectivity monitor: 0 waiting for association, 1 associated or wired, 2 waiting for an address,
-  // 3 Internet check started.
+  // State of the connectivity monitor: 0 waiting for association, 1 associated or wired, 2 waiting for an
+  // address, 3 Internet check started.
   std::atomic<int32_t> connectionState = 0;
   zq_List* essidList;
   // 2 on a Vardo2; anything else is the ordinary device.

@@ -44,6 +44,10 @@ void ZQScreen::SetDimMode(bool on) {
   ZQUtil::my_WriteINIFileString(kConfigSection, "autolight", on ? "true" : "false", kSettingsFile);
 }
 
-int32_t ZQScreen::BoardContrastToGUIContrast(int32_t board) const { return ContrastStepOfBoard(board); }
+int32_t ZQScreen::BoardContrastToGUIContrast(int32_t board) const {
+  return ContrastStepOfBoard(board);
+}
 
-int32_t ZQScreen::GUIContrastToBoardContrast(int32_t step) const { return ContrastBoardOfStep(step); }
+int32_t ZQScreen::GUIContrastToBoardContrast(int32_t step) const {
+  return ContrastBoardOfStep(step);
+}

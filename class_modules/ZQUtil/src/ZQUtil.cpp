@@ -55,7 +55,8 @@ ZQUtil* ZQUtil::Instance() {
 
 void ZQUtil::Dereference() {
   --ZQUtilInstanceCount;
-  if (ZQUtilTraceInstance != 0) ZQUTIL_TRACE("Destroying ZQUtil Instance, count is %d\n", ZQUtilInstanceCount);
+  if (ZQUtilTraceInstance != 0)
+    ZQUTIL_TRACE("Destroying ZQUtil Instance, count is %d\n", ZQUtilInstanceCount);
   if (ZQUtilInstanceCount > 0) return;
   delete m_pInstance;
   m_pInstance = nullptr;
@@ -98,8 +99,8 @@ ZQUtil::ZQUtil() : zq_MsgQ(nullptr, nullptr) {
 
 ZQUtil::~ZQUtil() {
   ZQUTIL_TRACE("ZQUtil Destructor Begin\n");
-  // What was posted is still carried out, with the parts that it needs in place; after this no handler runs that
-  // could meet a part that is gone.
+  // What was posted is still carried out, with the parts that it needs in place; after this no handler runs
+  // that could meet a part that is gone.
   Drain();
   ReleaseSoftwareUpdateList();
   delete network;

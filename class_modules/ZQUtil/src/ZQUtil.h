@@ -1,5 +1,5 @@
-// The one native object that all script objects of class ZQUtil share. It owns the device-facing parts and is the
-// module's message queue.
+// The one native object that all script objects of class ZQUtil share. It owns the device-facing parts and is
+// the module's message queue.
 #ifndef ZQUTIL_ZQUTIL_H
 #define ZQUTIL_ZQUTIL_H
 
@@ -25,15 +25,16 @@ enum : uint32_t {
 
 // Timers of the module's queue.
 enum : uint32_t {
-  kTimerSoftwareUpdate = 1,  // shared by the update check and the connectivity check: both lead to the same check
+  kTimerSoftwareUpdate =
+      1,  // shared by the update check and the connectivity check: both lead to the same check
   kTimerNetworkStatus = 2,
   kTimerTimeDrift = 3
 };
 
 // Script objects that share the singleton. Script thread only.
 extern int32_t ZQUtilInstanceCount;
-// The queue of the living singleton, set when the queue has started. After the singleton's end it names a queue that
-// is gone, which posts and timers refuse.
+// The queue of the living singleton, set when the queue has started. After the singleton's end it names a
+// queue that is gone, which posts and timers refuse.
 extern std::atomic<uint32_t> ZQUtilMsgQHandle;
 
 class ZQUTIL_API ZQUtil : public zq_MsgQ {
@@ -49,15 +50,16 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   // Queue thread only. Owns the message.
   void MessageHandler(MSG_COMMON* message) override;
 
-  // Deferred persistence (ZQUtilPersistence.cpp). They copy their arguments and return without touching the disk;
-  // any thread.
-  static void my_WriteINIFileString(const char* section, const char* key, const char* value, const char* file);
+  // Deferred persistence (ZQUtilPersistence.cpp). They copy their arguments and return without touching the
+  // disk; any thread.
+  static void my_WriteINIFileString(const char* section, const char* key, const char* value,
+                                    const char* file);
   static void my_WriteINIFileInt(const char* section, const char* key, int32_t value, const char* file);
   static void AsyncNVRAMWrite(const char* key, const char* value);
   static void AsyncConfigWrite(int32_t kind);
 
-  // Starts a check for updates, which is also the Internet connectivity test: it ends in a message "update server
-  // reached" or "not reached" (ZQSoftwareUpdate.cpp). Any thread.
+  // Starts a check for updates, which is also the Internet connectivity test: it ends in a message "update
+  // server reached" or "not reached" (ZQSoftwareUpdate.cpp). Any thread.
   void CheckForAvailableUpdates();
   // Forgets the updates that were offered (ZQSoftwareUpdate.cpp).
   void ReleaseSoftwareUpdateList();
@@ -107,8 +109,8 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   ZQScreen* screen = nullptr;
   ZQDateTime* dateTime = nullptr;
 
-  // Listener objects are the engine's, kept alive as properties of gLibObj. Written on the script thread, read on
-  // worker threads too.
+  // Listener objects are the engine's, kept alive as properties of gLibObj. Written on the script thread,
+  // read on worker threads too.
   std::atomic<void*> aboutListener = nullptr;
   // Entry point of the application-log library, or null.
   int32_t (*appLogActivity)(const char* application, const char* action, const char* detail) = nullptr;
@@ -139,8 +141,8 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   void SaveConfig(int32_t kind);
 };
 
-// Posts a message of the module to its own queue. False when there is no queue: what the parameter points to stays
-// the caller's. Any thread.
+// Posts a message of the module to its own queue. False when there is no queue: what the parameter points to
+// stays the caller's. Any thread.
 bool PostToModule(uint32_t type, uintptr_t param);
 
 #endif

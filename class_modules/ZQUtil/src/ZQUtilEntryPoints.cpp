@@ -21,7 +21,8 @@ void MM_Unload() {
 int32_t MM_InitWrapper(void* table, uint32_t bytes) {
   const auto* words = static_cast<const uintptr_t*>(table);
   // A word counts as supplied when it begins below the table's end; hosts keep their tables in whole words.
-  const uint32_t supplied = words != nullptr ? bytes / sizeof(uintptr_t) + (bytes % sizeof(uintptr_t) != 0) : 0;
+  const uint32_t supplied =
+      words != nullptr ? bytes / sizeof(uintptr_t) + (bytes % sizeof(uintptr_t) != 0) : 0;
   for (uint32_t slot = 0; slot < ZQ_ENGINE_SLOTS; ++slot) mmEnv[slot] = slot < supplied ? words[slot] : 0;
   return MM_Init(engine::Slot<void*>(ZQ_SLOT_CLASS_OBJECT));
 }
@@ -43,13 +44,16 @@ int32_t MM_Init(void* classObject) {
   return logRegister != nullptr ? logRegister(classObject) : 0;
 }
 
-int32_t MM_TermWrapper() { return MM_Term(engine::Slot<void*>(ZQ_SLOT_CLASS_OBJECT)); }
+int32_t MM_TermWrapper() {
+  return MM_Term(engine::Slot<void*>(ZQ_SLOT_CLASS_OBJECT));
+}
 
 int32_t MM_Term(void* /*classObject*/) {
   engine::HostLog("ZQUtil MM_Term start\n");
   AwaitConfigWrites();
   if (zqUtil_applogLib != nullptr) {
-    const auto logUnregister = reinterpret_cast<void (*)()>(zq_GetProcAddress(zqUtil_applogLib, "ZQLogUnregister"));
+    const auto logUnregister =
+        reinterpret_cast<void (*)()>(zq_GetProcAddress(zqUtil_applogLib, "ZQLogUnregister"));
     if (logUnregister != nullptr) logUnregister();
     zq_FreeLibrary(zqUtil_applogLib);
     zqUtil_applogLib = nullptr;

@@ -1,5 +1,5 @@
-// What the host calls, in this order and on the script thread: MM_Load, MM_InitWrapper, (scripts), MM_TermWrapper,
-// MM_Unload.
+// What the host calls, in this order and on the script thread: MM_Load, MM_InitWrapper, (scripts),
+// MM_TermWrapper, MM_Unload.
 #ifndef ZQUTIL_ENTRY_POINTS_H
 #define ZQUTIL_ENTRY_POINTS_H
 
@@ -18,8 +18,8 @@ ZQUTIL_API int32_t MM_InitWrapper(void* table, uint32_t bytes);
 ZQUTIL_API int32_t MM_TermWrapper();
 // Returns what the application-log library's registration returns; 0 without that library.
 ZQUTIL_API int32_t MM_Init(void* classObject);
-// Waits for settings writes under way, then lets the application-log library go. The singleton is the finalizers'
-// business. Returns 0.
+// Waits for settings writes under way, then lets the application-log library go. The singleton is the
+// finalizers' business. Returns 0.
 ZQUTIL_API int32_t MM_Term(void* classObject);
 
 }  // extern "C"

@@ -1,5 +1,6 @@
-// The queue thread's side of the singleton: every message, timer expiry and socket notice comes through here, one at
-// a time. Listeners are called from here without entering the engine first: the host lets this thread in call by call.
+// The queue thread's side of the singleton: every message, timer expiry and socket notice comes through here,
+// one at a time. Listeners are called from here without entering the engine first: the host lets this thread
+// in call by call.
 #include "TimeDrift.h"
 #include "ZQNetwork.h"
 #include "ZQSoftwareUpdate.h"
@@ -48,8 +49,8 @@ void ZQUtil::MessageHandler(MSG_COMMON* message) {
       newInterfaces = true;
       break;
     case kMsgNVRAMWrite:
-      // A store that cannot be opened keeps record and message: whoever tends a device finds in a memory image what
-      // was never stored.
+      // A store that cannot be opened keeps record and message: whoever tends a device finds in a memory
+      // image what was never stored.
       if (!WriteNVRAMRecord(reinterpret_cast<NVRAMWriteRecord*>(message->param2))) return;
       break;
     case kMsgConfigWrite:
@@ -74,7 +75,8 @@ void ZQUtil::OnQueueStarted() {
   ZQUtilMsgQHandle = Handle();
   SetName("ZQUtil Class Module");
   timeDriftSeconds = 0;
-  zq_TimerSet(ZQUtilMsgQHandle, kTimeDriftPeriodMs, kTimerTimeDrift, 0, 0, 0, "Adobe Time Drift Check", false);
+  zq_TimerSet(ZQUtilMsgQHandle, kTimeDriftPeriodMs, kTimerTimeDrift, 0, 0, 0, "Adobe Time Drift Check",
+              false);
 }
 
 void ZQUtil::OnTimer(uint32_t id, uintptr_t param) {
@@ -123,7 +125,8 @@ void ZQUtil::OnTimeDriftTimer() {
     zq_ExitProcess(0);
   }
   timeDriftSeconds = now;
-  zq_TimerSet(ZQUtilMsgQHandle, kTimeDriftPeriodMs, kTimerTimeDrift, 0, 0, 0, "Adobe Time Drift Check", false);
+  zq_TimerSet(ZQUtilMsgQHandle, kTimeDriftPeriodMs, kTimerTimeDrift, 0, 0, 0, "Adobe Time Drift Check",
+              false);
 }
 
 void ZQUtil::ReportConnectivity(const char* trace, const char* method) {

@@ -7,7 +7,8 @@ namespace {
 
 using Member = int32_t (ZQUtil::*)(void*, uint32_t, zq_Value*, zq_Value*);
 
-// What every wrapper does: fetch the singleton that the constructor attached to the script object, and pass on.
+// What every wrapper does: fetch the singleton that the constructor attached to the script object, and pass
+// on.
 int32_t CallMember(Member member, void* self, uint32_t argc, zq_Value* argv, zq_Value* rval) {
   const auto getPrivate = engine::GetPrivate();
   if (getPrivate == nullptr) return 0;
@@ -18,9 +19,9 @@ int32_t CallMember(Member member, void* self, uint32_t argc, zq_Value* argv, zq_
 
 }  // namespace
 
-#define ZQUTIL_DEFINE_WRAPPER(scriptName, declared, member)                                   \
-  int32_t ZQUtil_##member(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval) {        \
-    return CallMember(&ZQUtil::member, self, argc, argv, rval);                               \
+#define ZQUTIL_DEFINE_WRAPPER(scriptName, declared, member)                            \
+  int32_t ZQUtil_##member(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval) { \
+    return CallMember(&ZQUtil::member, self, argc, argv, rval);                        \
   }
 #define ZQUTIL_DEFINED_ELSEWHERE(scriptName, declared, function)
 ZQUTIL_METHODS(ZQUTIL_DEFINE_WRAPPER, ZQUTIL_DEFINED_ELSEWHERE)

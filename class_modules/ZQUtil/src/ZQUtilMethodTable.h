@@ -1,44 +1,44 @@
 // The method table of the script class, said once: script name, declared argument count, wrapper, member.
 //
-// METHOD(script name, declared, member)       wrapper ZQUtil_<member> calls ZQUtil::<member> with its own arguments
-// FUNCTION(script name, declared, function)   the exported function itself, which uses no singleton
+// METHOD(script name, declared, member)       wrapper ZQUtil_<member> calls ZQUtil::<member> with its own
+// arguments FUNCTION(script name, declared, function)   the exported function itself, which uses no singleton
 //
-// Scripts rely on the names letter for letter, the irregular ones included, and on nothing else: the engine does
-// not enforce the declared counts, each method checks its arguments itself.
+// Scripts rely on the names letter for letter, the irregular ones included, and on nothing else: the engine
+// does not enforce the declared counts, each method checks its arguments itself.
 #ifndef ZQUTIL_METHOD_TABLE_H
 #define ZQUTIL_METHOD_TABLE_H
 
 #include "engine.h"
 #include "module_api.h"
 
-#define ZQUTIL_METHODS(METHOD, FUNCTION)               \
-  FUNCTION("constructor", 0, ZQUtil_constructor)       \
-  METHOD("getFirstTime", 0, GetFirstTime)              \
-  METHOD("setFirstTime", 1, SetFirstTime)              \
-  METHOD("getPhoneVolume", 0, GetPhoneVolume)          \
-  METHOD("setPhoneVolume", 1, SetPhoneVolume)          \
-  METHOD("MutePhone", 0, MutePhone)                    \
-  METHOD("UnmutePhone", 0, UnmutePhone)                \
-  METHOD("getMediaVolume", 0, GetMediaVolume)          \
-  METHOD("setMediaVolume", 1, SetMediaVolume)          \
-  METHOD("getMicVolume", 0, GetMicVolume)              \
-  METHOD("setMicVolume", 1, SetMicVolume)              \
-  METHOD("MuteMic", 0, MuteMic)                        \
-  METHOD("UnmuteMic", 0, UnmuteMic)                    \
-  METHOD("getBrightness", 0, GetBrightness)            \
-  METHOD("setBrightness", 1, SetBrightness)            \
-  METHOD("getContrast", 0, GetContrast)                \
-  METHOD("setContrast", 1, SetContrast)                \
-  METHOD("getDimMode", 0, GetDimMode)                  \
-  METHOD("setDimMode", 1, SetDimMode)                  \
-  METHOD("isTablet", 0, IsTablet)                      \
-  METHOD("batteryPct", 0, BatteryPct)                  \
-  METHOD("chargeStatus", 0, ChargeStatus)              \
-  METHOD("getIniSetting", 2, GetIniSetting)            \
-  METHOD("setIniSetting", 3, SetIniSetting)            \
-  METHOD("deleteIniFile", 1, DeleteIniFile)            \
-  METHOD("writeFile", 2, WriteFile)                    \
-  METHOD("deleteFile", 1, DeleteFile)                  \
+#define ZQUTIL_METHODS(METHOD, FUNCTION)         \
+  FUNCTION("constructor", 0, ZQUtil_constructor) \
+  METHOD("getFirstTime", 0, GetFirstTime)        \
+  METHOD("setFirstTime", 1, SetFirstTime)        \
+  METHOD("getPhoneVolume", 0, GetPhoneVolume)    \
+  METHOD("setPhoneVolume", 1, SetPhoneVolume)    \
+  METHOD("MutePhone", 0, MutePhone)              \
+  METHOD("UnmutePhone", 0, UnmutePhone)          \
+  METHOD("getMediaVolume", 0, GetMediaVolume)    \
+  METHOD("setMediaVolume", 1, SetMediaVolume)    \
+  METHOD("getMicVolume", 0, GetMicVolume)        \
+  METHOD("setMicVolume", 1, SetMicVolume)        \
+  METHOD("MuteMic", 0, MuteMic)                  \
+  METHOD("UnmuteMic", 0, UnmuteMic)              \
+  METHOD("getBrightness", 0, GetBrightness)      \
+  METHOD("setBrightness", 1, SetBrightness)      \
+  METHOD("getContrast", 0, GetContrast)          \
+  METHOD("setContrast", 1, SetContrast)          \
+  METHOD("getDimMode", 0, GetDimMode)            \
+  METHOD("setDimMode", 1, SetDimMode)            \
+  METHOD("isTablet", 0, IsTablet)                \
+  METHOD("batteryPct", 0, BatteryPct)            \
+  METHOD("chargeStatus", 0, ChargeStatus)        \
+  METHOD("getIniSetting", 2, GetIniSetting)      \
+  METHOD("setIniSetting", 3, SetIniSetting)      \
+  METHOD("deleteIniFile", 1, DeleteIniFile)      \
+  METHOD("writeFile", 2, WriteFile)              \
+  METHOD("deleteFile", 1, DeleteFile)            \
   METHOD("utf8Encode", 1, UTF8Encode)
 
 struct ZQUtilMethod {

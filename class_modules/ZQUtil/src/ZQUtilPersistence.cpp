@@ -31,7 +31,8 @@ void FreeNVRAMRecord(NVRAMWriteRecord* record) {
 }
 
 NVRAMWriteRecord* NewNVRAMRecord(const char* key, const char* value) {
-  auto* record = static_cast<NVRAMWriteRecord*>(zq__calloc(1, sizeof(NVRAMWriteRecord), kSourceTag, __LINE__));
+  auto* record =
+      static_cast<NVRAMWriteRecord*>(zq__calloc(1, sizeof(NVRAMWriteRecord), kSourceTag, __LINE__));
   if (record == nullptr) return nullptr;
   record->key = zq__newString(key, kSourceTag, __LINE__);
   record->value = zq__newString(value, kSourceTag, __LINE__);
@@ -42,7 +43,8 @@ NVRAMWriteRecord* NewNVRAMRecord(const char* key, const char* value) {
 
 }  // namespace
 
-void ZQUtil::my_WriteINIFileString(const char* section, const char* key, const char* value, const char* file) {
+void ZQUtil::my_WriteINIFileString(const char* section, const char* key, const char* value,
+                                   const char* file) {
   if (section == nullptr || key == nullptr || value == nullptr || file == nullptr) return;
   Begin(NewConfigWriteRecord(section, key, value, 0, file));
 }
@@ -57,11 +59,12 @@ int32_t threadConfigWrite(void* argument) {
   if (record == nullptr) return 1;
   AwaitTurn(*record);
   if (record->stringValue == nullptr) {
-    ZQUTIL_TRACE("Writing INI FIle Int %s, %s, %i, %s\n", record->section, record->key, record->intValue, record->file);
+    ZQUTIL_TRACE("Writing INI FIle Int %s, %s, %i, %s\n", record->section, record->key, record->intValue,
+                 record->file);
     zq_WriteINIFileInt(record->section, record->key, record->intValue, record->file, true);
   } else {
-    ZQUTIL_TRACE("Writing INI FIle String %s, %s, %s, %s\n", record->section, record->key, record->stringValue,
-                 record->file);
+    ZQUTIL_TRACE("Writing INI FIle String %s, %s, %s, %s\n", record->section, record->key,
+                 record->stringValue, record->file);
     zq_WriteINIFileString(record->section, record->key, record->stringValue, record->file, true);
   }
   PassTurn(*record);
@@ -70,8 +73,8 @@ int32_t threadConfigWrite(void* argument) {
 
 void AwaitConfigWrites() {
   if (zq_ThreadAwaitEnd(threadConfigWrite, kAwaitWritesMs)) return;
-  zq_Trace(ZQUtilTraceInstance, ZQ_TRACE_FAILURE, 1, true, "ZQUtil settings writes did not end within %u ms\n",
-           kAwaitWritesMs);
+  zq_Trace(ZQUtilTraceInstance, ZQ_TRACE_FAILURE, 1, true,
+           "ZQUtil settings writes did not end within %u ms\n", kAwaitWritesMs);
 }
 
 int my_nvram_write_key(int handle, void* reserved, const char* key, const char* value) {
@@ -94,7 +97,9 @@ bool WriteNVRAMRecord(NVRAMWriteRecord* record) {
   return true;
 }
 
-void ZQUtil::AsyncConfigWrite(int32_t kind) { PostToModule(kMsgConfigWrite, static_cast<uintptr_t>(kind)); }
+void ZQUtil::AsyncConfigWrite(int32_t kind) {
+  PostToModule(kMsgConfigWrite, static_cast<uintptr_t>(kind));
+}
 
 void SaveContrast(ZQScreen& screen) {
   ZQUtil::my_WriteINIFileInt(kConfigSection, "contrast", screen.getContrast(), kSettingsFile);

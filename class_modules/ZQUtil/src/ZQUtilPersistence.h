@@ -2,7 +2,8 @@
 //
 //   settings file   my_WriteINIFileString/Int -> a thread for each write (threadConfigWrite)
 //   key store       AsyncNVRAMWrite -> message 0x10007 -> the queue thread writes
-//   hardware value  AsyncConfigWrite -> message 0x10008 -> the queue thread reads the value back, writes it to the
+//   hardware value  AsyncConfigWrite -> message 0x10008 -> the queue thread reads the value back, writes it
+//   to the
 //                   settings file by the first way, and applies brightness and volumes to the hardware
 #ifndef ZQUTIL_PERSISTENCE_H
 #define ZQUTIL_PERSISTENCE_H
@@ -39,7 +40,8 @@ ZQUTIL_API int32_t threadConfigWrite(void* record);
 // The key store's nvram_write_key, its arguments unchanged.
 ZQUTIL_API int my_nvram_write_key(int handle, void* reserved, const char* key, const char* value);
 
-// Writes the record and frees it. False when the store cannot be opened; the record is then as it was. Queue thread.
+// Writes the record and frees it. False when the store cannot be opened; the record is then as it was. Queue
+// thread.
 bool WriteNVRAMRecord(NVRAMWriteRecord* record);
 
 // Queue thread only.
@@ -48,8 +50,8 @@ void SaveVolumes(ZQAudioVolume& volumes);
 // To the settings file and to the backlight.
 void SaveBrightness(ZQScreen& screen);
 
-// Waits until the settings writes that were begun are done; gives up, with a trace, after ten seconds: a dead disk
-// must not hold the host's end for ever.
+// Waits until the settings writes that were begun are done; gives up, with a trace, after ten seconds: a dead
+// disk must not hold the host's end for ever.
 void AwaitConfigWrites();
 
 #endif

@@ -33,10 +33,14 @@ Text NameIn(const char* format, const char* name) {
   return text;
 }
 
-Text SettingsFileOf(const char* application) { return NameIn("%s.ini", application); }
+Text SettingsFileOf(const char* application) {
+  return NameIn("%s.ini", application);
+}
 
 // The buffer is not given back: the file layer of a board may keep the name that it was handed.
-const char* CachePathOf(const char* name) { return NameIn("./cache/%s", name).release(); }
+const char* CachePathOf(const char* name) {
+  return NameIn("./cache/%s", name).release();
+}
 
 }  // namespace
 
@@ -51,7 +55,8 @@ int32_t ZQUtil::GetIniSetting(void* /*self*/, uint32_t argc, zq_Value* argv, zq_
   const Text file = SettingsFileOf(application);
   if (file == nullptr) return 1;
   char value[kSettingLimit + 1] = {};
-  zq_GetINIFileString(kConfigSection, key, fallback != nullptr ? fallback : "", value, kSettingLimit, file.get());
+  zq_GetINIFileString(kConfigSection, key, fallback != nullptr ? fallback : "", value, kSettingLimit,
+                      file.get());
   ReturnString(value, rval);
   return 1;
 }

@@ -21,5 +21,6 @@ int32_t ZQUtil::SetFirstTime(void* /*self*/, uint32_t argc, zq_Value* argv, zq_V
 }
 
 void ZQUtil::HandleNetworkCheckTimer() {
-  // Only a network restart arms the timer that steps the monitor, and there is no setter yet that restarts it.
+  // Only a network restart arms the timer that steps the monitor, and there is no setter yet that restarts
+  // it.
 }

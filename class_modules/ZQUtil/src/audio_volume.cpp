@@ -15,22 +15,32 @@ void ZQAudioVolume::SetOutput(int32_t percent) {
   ZQUtil::AsyncConfigWrite(kConfigAudio);
 }
 
-void ZQAudioVolume::setPhoneVolume(int32_t percent) { SetOutput(percent); }
+void ZQAudioVolume::setPhoneVolume(int32_t percent) {
+  SetOutput(percent);
+}
 
-void ZQAudioVolume::setMediaVolume(int32_t percent) { SetOutput(percent); }
+void ZQAudioVolume::setMediaVolume(int32_t percent) {
+  SetOutput(percent);
+}
 
 void ZQAudioVolume::setMicVolume(int32_t percent) {
   micVolume = percent;
   ZQUtil::AsyncConfigWrite(kConfigAudio);
 }
 
-void ZQAudioVolume::MutePhone() { ZQUTIL_TRACE("ZQUtil Mute Phone\n"); }
+void ZQAudioVolume::MutePhone() {
+  ZQUTIL_TRACE("ZQUtil Mute Phone\n");
+}
 
 void ZQAudioVolume::UnmutePhone() {
   ZQUTIL_TRACE("ZQUtil Unmute Phone\n");
   setPhoneVolume(getPhoneVolume());
 }
 
-void ZQAudioVolume::MuteMic() { ZQUTIL_TRACE("ZQUtil Mute Mic\n"); }
+void ZQAudioVolume::MuteMic() {
+  ZQUTIL_TRACE("ZQUtil Mute Mic\n");
+}
 
-void ZQAudioVolume::UnmuteMic() { ZQUTIL_TRACE("ZQUtil Unmute Mic\n"); }
+void ZQAudioVolume::UnmuteMic() {
+  ZQUTIL_TRACE("ZQUtil Unmute Mic\n");
+}

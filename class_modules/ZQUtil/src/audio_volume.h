@@ -10,7 +10,8 @@
 // Set on the script thread, read by the queue thread when it saves them.
 class ZQUTIL_API ZQAudioVolume {
  public:
-  // `phone` is only traced: phone and media volume are one value, and the media setting is the one that counts.
+  // `phone` is only traced: phone and media volume are one value, and the media setting is the one that
+  // counts.
   ZQAudioVolume(bool initialise, int32_t media, int32_t phone, int32_t mic);
 
   // Called after the volumes were saved; the mixer is programmed at start-up only, so there is nothing to do.
@@ -32,8 +33,9 @@ class ZQUTIL_API ZQAudioVolume {
  private:
   void SetOutput(int32_t percent);
 
-  std::atomic<int32_t> volume;      // the one output volume, phone and media alike
-  std::atomic<int32_t> volumeCopy;  // kept in step for a reader in the board's debugger; nothing here reads it
+  std::atomic<int32_t> volume;  // the one output volume, phone and media alike
+  std::atomic<int32_t>
+      volumeCopy;  // kept in step for a reader in the board's debugger; nothing here reads it
   std::atomic<int32_t> micVolume;
 };
 

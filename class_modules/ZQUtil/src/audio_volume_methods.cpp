@@ -13,7 +13,8 @@ void ReturnVolume(const ZQAudioVolume* volumes, int32_t (ZQAudioVolume::*getter)
   ReturnString(answer.text, rval);
 }
 
-void SetVolume(ZQAudioVolume* volumes, void (ZQAudioVolume::*setter)(int32_t), uint32_t argc, const zq_Value* argv) {
+void SetVolume(ZQAudioVolume* volumes, void (ZQAudioVolume::*setter)(int32_t), uint32_t argc,
+               const zq_Value* argv) {
   if (volumes == nullptr) return;
   const auto percent = NumberArgument(argc, argv, kPercent);
   if (!percent) return;

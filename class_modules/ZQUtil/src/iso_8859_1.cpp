@@ -41,8 +41,8 @@ unsigned char* ExpandLast(unsigned char* to, unsigned char c) {
   return ExpandOne(to, c);
 }
 
-// Converts `length` characters, one at least, into a place with room for twice as many bytes. Returns the end of the
-// output; what follows it is as it was.
+// Converts `length` characters, one at least, into a place with room for twice as many bytes. Returns the end
+// of the output; what follows it is as it was.
 unsigned char* Expand(unsigned char* to, const unsigned char* from, size_t length) {
   const unsigned char* const last = from + length - 1;
   while (static_cast<size_t>(last - from) >= kWord) {
@@ -125,7 +125,8 @@ Section FindCData(const unsigned char* from, size_t length) {
 
 }  // namespace
 
-uint32_t iso_8859_1s_to_utf8s(unsigned char* destination, const unsigned char* source, uint32_t size, bool keepCData) {
+uint32_t iso_8859_1s_to_utf8s(unsigned char* destination, const unsigned char* source, uint32_t size,
+                              bool keepCData) {
   Output output{size > 0 ? destination : nullptr, size};
   const unsigned char* const end = source + std::strlen(reinterpret_cast<const char*>(source));
   bool complete = true;

@@ -7,7 +7,8 @@
 // The arguments of one call. Texts belong to the engine and last until the method returns.
 class ScriptArguments {
  public:
-  ScriptArguments(uint32_t count, const zq_Value* values) : count_(values != nullptr ? count : 0), values_(values) {}
+  ScriptArguments(uint32_t count, const zq_Value* values)
+      : count_(values != nullptr ? count : 0), values_(values) {}
 
   uint32_t Count() const { return count_; }
   // Passed, and neither void nor null.

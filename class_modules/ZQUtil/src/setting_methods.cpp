@@ -12,4 +12,6 @@ std::optional<int32_t> NumberArgument(uint32_t argc, const zq_Value* argv, Setti
   return range.Clamp(DecimalNumber(text));
 }
 
-DecimalText::DecimalText(int32_t number) { std::snprintf(text, sizeof text, "%d", number); }
+DecimalText::DecimalText(int32_t number) {
+  std::snprintf(text, sizeof text, "%d", number);
+}

@@ -1,5 +1,5 @@
-// Every method with every kind of argument in every place: each call ends as the method promises, and the module
-// lives on.
+// Every method with every kind of argument in every place: each call ends as the method promises, and the
+// module lives on.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -50,7 +50,8 @@ class ArgumentsTest : public ModuleTest {
       for (size_t count = 1; count <= 4; ++count) {
         for (size_t place = 0; place < count; ++place) {
           for (const auto& [name, value] : kinds) {
-            SCOPED_TRACE(method + " of " + std::to_string(count) + ", at " + std::to_string(place) + ": " + name);
+            SCOPED_TRACE(method + " of " + std::to_string(count) + ", at " + std::to_string(place) + ": " +
+                         name);
             Arguments arguments(count, S("text"));
             arguments[place] = value;
             call(method, arguments);
@@ -117,7 +118,8 @@ TEST_P(MissingServiceTest, EveryMethodEndsAsItPromises) {
   ZQUtil& singleton = *ZQUtil::m_pInstance;
   singleton.connectivityListener = &engine.NewObject();
   singleton.getessidListener = &engine.NewObject();
-  for (const uint32_t type : {uint32_t{kMsgUpdateServerReached}, uint32_t{kMsgBackgroundScan}}) PostToQueue(type, 0);
+  for (const uint32_t type : {uint32_t{kMsgUpdateServerReached}, uint32_t{kMsgBackgroundScan}})
+    PostToQueue(type, 0);
   Settle();
   EXPECT_TRUE(singleton.connectivityReported);
   EXPECT_EQ(singleton.getessidListener, nullptr);
@@ -128,9 +130,10 @@ INSTANTIATE_TEST_SUITE_P(EachInTurn, MissingServiceTest,
                          testing::Values(ZQ_SLOT_CLASS_OBJECT, ZQ_SLOT_DEFINE_METHOD, ZQ_SLOT_VALUE_TO_INT,
                                          ZQ_SLOT_VALUE_TO_OBJECT, ZQ_SLOT_NEW_ARRAY, ZQ_SLOT_SET_ELEMENT,
                                          ZQ_SLOT_VALUE_TO_STRING, ZQ_SLOT_NEW_STRING, ZQ_SLOT_NEW_OBJECT,
-                                         ZQ_SLOT_SET_PROPERTY, ZQ_SLOT_CALL_METHOD, ZQ_SLOT_CALL_METHOD_WITH_ARGS,
-                                         ZQ_SLOT_SET_PRIVATE, ZQ_SLOT_GET_PRIVATE, ZQ_SLOT_SET_FINALIZER,
-                                         ZQ_SLOT_BEGIN_REQUEST, ZQ_SLOT_END_REQUEST, ZQ_SLOT_HOST_LOG),
+                                         ZQ_SLOT_SET_PROPERTY, ZQ_SLOT_CALL_METHOD,
+                                         ZQ_SLOT_CALL_METHOD_WITH_ARGS, ZQ_SLOT_SET_PRIVATE,
+                                         ZQ_SLOT_GET_PRIVATE, ZQ_SLOT_SET_FINALIZER, ZQ_SLOT_BEGIN_REQUEST,
+                                         ZQ_SLOT_END_REQUEST, ZQ_SLOT_HOST_LOG),
                          [](const auto& slot) { return "Slot" + std::to_string(slot.param); });
 
 }  // namespace

@@ -1,8 +1,7 @@
 // The seam to the host: entry points, the copied service table, the definition of the class.
-#include "ZQUtilEntryPoints.h"
-
 #include <gmock/gmock.h>
 
+#include "ZQUtilEntryPoints.h"
 #include "ZQUtilMethodTable.h"
 #include "module_fixture.h"
 
@@ -11,7 +10,8 @@ namespace {
 constexpr char kAllMethods[] =
     "constructor/0 getFirstTime/0 setFirstTime/1 getPhoneVolume/0 setPhoneVolume/1 MutePhone/0 UnmutePhone/0 "
     "getMediaVolume/0 setMediaVolume/1 getMicVolume/0 setMicVolume/1 MuteMic/0 UnmuteMic/0 getBrightness/0 "
-    "setBrightness/1 getContrast/0 setContrast/1 getDimMode/0 setDimMode/1 isTablet/0 batteryPct/0 chargeStatus/0 "
+    "setBrightness/1 getContrast/0 setContrast/1 getDimMode/0 setDimMode/1 isTablet/0 batteryPct/0 "
+    "chargeStatus/0 "
     "getIniSetting/2 setIniSetting/3 deleteIniFile/1 writeFile/2 deleteFile/1 utf8Encode/1 ";
 
 class EntryPointsTest : public ModuleTest {
@@ -27,7 +27,8 @@ class EntryPointsTest : public ModuleTest {
 
 TEST_F(EntryPointsTest, LoadAndUnloadLogTheirStartAndEndAndNothingElse) {
   Load();
-  EXPECT_EQ(engine.TakeLog(), "") << "no service table yet when MM_Load runs, and MM_Init logs nothing to the host";
+  EXPECT_EQ(engine.TakeLog(), "")
+      << "no service table yet when MM_Load runs, and MM_Init logs nothing to the host";
   MM_Load();
   EXPECT_EQ(engine.TakeLog(), "ZQUtil MM_Load start\nZQUtil MM_Load end\n");
   MM_Unload();
@@ -139,7 +140,8 @@ TEST_F(EntryPointsTest, TheAnswerNoIsMadeWithLengthThree) {
 }
 
 TEST_F(EntryPointsTest, GetPrivateMustAnswerExactlyOne) {
-  engine.Table()[ZQ_SLOT_GET_PRIVATE] = reinterpret_cast<uintptr_t>(+[](void*, void**) -> int32_t { return 2; });
+  engine.Table()[ZQ_SLOT_GET_PRIVATE] =
+      reinterpret_cast<uintptr_t>(+[](void*, void**) -> int32_t { return 2; });
   EXPECT_EQ(engine.Answer(New(), "batteryPct"), "<returned 0>");
 }
 

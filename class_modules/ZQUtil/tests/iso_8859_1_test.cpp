@@ -15,8 +15,9 @@ struct Result {
 
 Result Convert(const std::string& source, uint32_t size, bool keepCData = false, size_t room = 64) {
   std::string buffer(room, '?');
-  const uint32_t count = iso_8859_1s_to_utf8s(reinterpret_cast<unsigned char*>(buffer.data()),
-                                              reinterpret_cast<const unsigned char*>(source.c_str()), size, keepCData);
+  const uint32_t count =
+      iso_8859_1s_to_utf8s(reinterpret_cast<unsigned char*>(buffer.data()),
+                           reinterpret_cast<const unsigned char*>(source.c_str()), size, keepCData);
   return {count, buffer};
 }
 

@@ -16,7 +16,8 @@ class LifecycleTest : public ModuleTest {
     ForgetTraces();
     PostToQueue(ZQ_MSG_TIMER, 0, kTimerSoftwareUpdate);
     Settle();
-    return Traces().find("ZQUtil Software Not checking for updates : pending flag is set\n") != std::string::npos;
+    return Traces().find("ZQUtil Software Not checking for updates : pending flag is set\n") !=
+           std::string::npos;
   }
 };
 
@@ -50,17 +51,19 @@ TEST_F(LifecycleTest, TracesItsConstructionInOrder) {
   for (const std::string& text : trace.Texts()) {
     for (const char* expected :
          {"ZQUtil MM_Init", "ZQUtil Trace Instance Init", "ZQUtil removing http proxy info",
-          "ZQUtil checking for hardware type", "ZQUtil harware type is 0", "ZQUtil Audio initialized to 75 75 50",
-          "ZQUtil Setting Brightness to 255", "ZQUtil Setting Contrast to 17", "ZQUtil Created All Objects",
-          "Volume Info Failed", "I do not think I am running on a tablet", "Creating ZQUtil Instance, count is 1"}) {
+          "ZQUtil checking for hardware type", "ZQUtil harware type is 0",
+          "ZQUtil Audio initialized to 75 75 50", "ZQUtil Setting Brightness to 255",
+          "ZQUtil Setting Contrast to 17", "ZQUtil Created All Objects", "Volume Info Failed",
+          "I do not think I am running on a tablet", "Creating ZQUtil Instance, count is 1"}) {
       if (text == expected) mine += text + "\n";
     }
   }
-  EXPECT_EQ(mine,
-            "ZQUtil MM_Init\nZQUtil Trace Instance Init\nZQUtil removing http proxy info\n"
-            "ZQUtil checking for hardware type\nZQUtil harware type is 0\nZQUtil Audio initialized to 75 75 50\n"
-            "ZQUtil Setting Brightness to 255\nZQUtil Setting Contrast to 17\nZQUtil Created All Objects\n"
-            "Volume Info Failed\nI do not think I am running on a tablet\nCreating ZQUtil Instance, count is 1\n");
+  EXPECT_EQ(
+      mine,
+      "ZQUtil MM_Init\nZQUtil Trace Instance Init\nZQUtil removing http proxy info\n"
+      "ZQUtil checking for hardware type\nZQUtil harware type is 0\nZQUtil Audio initialized to 75 75 50\n"
+      "ZQUtil Setting Brightness to 255\nZQUtil Setting Contrast to 17\nZQUtil Created All Objects\n"
+      "Volume Info Failed\nI do not think I am running on a tablet\nCreating ZQUtil Instance, count is 1\n");
   std::filesystem::create_directory("/media");
 }
 
@@ -70,7 +73,8 @@ TEST_F(LifecycleTest, TracesTheVolumesRoomInBytesOf32Bits) {
   for (const std::string& text : trace.Texts()) {
     int free = 0;
     int available = 0;
-    found = found || std::sscanf(text.c_str(), "Volume Info: %d bytes free, %d bytes available", &free, &available) == 2;
+    found = found || std::sscanf(text.c_str(), "Volume Info: %d bytes free, %d bytes available", &free,
+                                 &available) == 2;
   }
   EXPECT_TRUE(found);
 }
@@ -80,7 +84,8 @@ TEST_F(LifecycleTest, TracesItsEnd) {
   Settle();
   ForgetTraces();
   Drop(object);
-  EXPECT_EQ(Traces(), "Destroying ZQUtil Instance, count is 0\nZQUtil Destructor Begin\nZQUtil Destructor End\n");
+  EXPECT_EQ(Traces(),
+            "Destroying ZQUtil Instance, count is 0\nZQUtil Destructor Begin\nZQUtil Destructor End\n");
 }
 
 TEST_F(LifecycleTest, TracesUnderTheNameZqutilWhileItLives) {
@@ -105,7 +110,8 @@ TEST_F(LifecycleTest, TakesItsSettingsFromTheFile) {
   EXPECT_TRUE(trace.Has("ZQUtil Audio initialized to 30 20 10"));
   EXPECT_EQ(ZQUtil::m_pInstance->screen->getBrightness(), 100);
   EXPECT_EQ(ZQUtil::m_pInstance->screen->getContrast(), 17);
-  EXPECT_EQ(ZQUtil::m_pInstance->audioVolume->getPhoneVolume(), 30) << "the media setting is the one that counts";
+  EXPECT_EQ(ZQUtil::m_pInstance->audioVolume->getPhoneVolume(), 30)
+      << "the media setting is the one that counts";
   EXPECT_EQ(ZQUtil::softwareUpdateCheckTime, 60000);
 }
 

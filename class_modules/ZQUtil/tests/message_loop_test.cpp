@@ -1,4 +1,5 @@
-// The queue thread's side: each message, each timer, and the rule that ends the process when the clock drifts.
+// The queue thread's side: each message, each timer, and the rule that ends the process when the clock
+// drifts.
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -68,7 +69,8 @@ TEST_F(MessageLoopTest, TheUpdateTimerArmsItselfAgainWithTheStoredPeriodAndCheck
   Post(ZQ_MSG_TIMER, 0, kTimerSoftwareUpdate);
   EXPECT_EQ(Remaining(kTimerSoftwareUpdate), 60000U);
   EXPECT_EQ(Traces().substr(0, Traces().find('\n') + 1), "ZQUtil Software Update Timer Fire (timer reset)\n");
-  EXPECT_EQ(engine.TakeCalls(), "onConnectFailure()") << "the check without a reachable server ends in a failure";
+  EXPECT_EQ(engine.TakeCalls(), "onConnectFailure()")
+      << "the check without a reachable server ends in a failure";
 }
 
 TEST_F(MessageLoopTest, APendingUpdateHoldsTheCheckBackUnlessAListenerWaitsForIt) {
@@ -109,7 +111,8 @@ TEST_F(MessageLoopTest, OtherTimersAndTypesAreIgnored) {
 }
 
 TEST_F(MessageLoopTest, OneCheckIsReportedOnce) {
-  for (uint32_t type : {static_cast<uint32_t>(ZQ_MSG_SOCKET_CONNECTED), static_cast<uint32_t>(kMsgUpdateServerReached)}) {
+  for (uint32_t type :
+       {static_cast<uint32_t>(ZQ_MSG_SOCKET_CONNECTED), static_cast<uint32_t>(kMsgUpdateServerReached)}) {
     Start();
     Listen();
     Post(type);
@@ -122,13 +125,15 @@ TEST_F(MessageLoopTest, OneCheckIsReportedOnce) {
 }
 
 TEST_F(MessageLoopTest, AFailureIsReportedOnceAndItsSocketClosed) {
-  for (uint32_t type : {static_cast<uint32_t>(ZQ_MSG_SOCKET_FAILED), static_cast<uint32_t>(kMsgUpdateServerNotReached)}) {
+  for (uint32_t type :
+       {static_cast<uint32_t>(ZQ_MSG_SOCKET_FAILED), static_cast<uint32_t>(kMsgUpdateServerNotReached)}) {
     Start();
     Listen();
     Post(type);
     Post(type);
     EXPECT_EQ(engine.TakeCalls(), "onConnectFailure()");
-    EXPECT_EQ(Traces(), "ZQUtil Sending Connectivity Listener Failure\nZQUtil Socket Closed\nZQUtil Socket Closed\n");
+    EXPECT_EQ(Traces(),
+              "ZQUtil Sending Connectivity Listener Failure\nZQUtil Socket Closed\nZQUtil Socket Closed\n");
   }
 }
 

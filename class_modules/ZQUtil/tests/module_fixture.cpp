@@ -30,7 +30,9 @@ void ResetDevice() {
   unsetenv("http_proxy");
 }
 
-std::string OnThisMachine(const std::string& devicePath) { return std::getenv("ZQ_DEVICE") + devicePath; }
+std::string OnThisMachine(const std::string& devicePath) {
+  return std::getenv("ZQ_DEVICE") + devicePath;
+}
 
 std::string StoredSetting(const std::string& key, const std::string& file) {
   char value[1025] = {};
@@ -54,11 +56,17 @@ void StoreKey(const std::string& key, const std::string& value) {
   nvram_close(store);
 }
 
-ClosedKeyStore::ClosedKeyStore() { fs::rename(kStoreConfig, kStoreConfigAside); }
+ClosedKeyStore::ClosedKeyStore() {
+  fs::rename(kStoreConfig, kStoreConfigAside);
+}
 
-ClosedKeyStore::~ClosedKeyStore() { fs::rename(kStoreConfigAside, kStoreConfig); }
+ClosedKeyStore::~ClosedKeyStore() {
+  fs::rename(kStoreConfigAside, kStoreConfig);
+}
 
-ModuleTest::ModuleTest() { ResetDevice(); }
+ModuleTest::ModuleTest() {
+  ResetDevice();
+}
 
 ModuleTest::~ModuleTest() {
   while (!live_.empty()) Drop(*live_.back());

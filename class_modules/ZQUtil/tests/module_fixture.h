@@ -20,9 +20,11 @@ class ModuleTest : public testing::Test {
   ModuleTest();
   ~ModuleTest() override;
 
-  // MM_Load and MM_InitWrapper, with the whole table unless `bytes` says otherwise. Returns MM_InitWrapper's result.
+  // MM_Load and MM_InitWrapper, with the whole table unless `bytes` says otherwise. Returns MM_InitWrapper's
+  // result.
   int32_t Load(uint32_t bytes = BareEngine::TableBytes());
-  // A script object; the module is loaded first when it is not yet. Dropped at the end of the test at the latest.
+  // A script object; the module is loaded first when it is not yet. Dropped at the end of the test at the
+  // latest.
   Object& New();
   void Drop(Object& object);
   // MM_TermWrapper and MM_Unload after dropping what is left.
@@ -53,8 +55,8 @@ class ModuleTest : public testing::Test {
 
 // The device's own state, put back by each test's start.
 void ResetDevice();
-// Where this machine keeps a file of the device, for what no program on the device can do: files of /proc and /sys
-// that come and go.
+// Where this machine keeps a file of the device, for what no program on the device can do: files of /proc and
+// /sys that come and go.
 std::string OnThisMachine(const std::string& devicePath);
 // What the device's settings file says under [config]; "<none>" when it says nothing.
 std::string StoredSetting(const std::string& key, const std::string& file = "zqutil.ini");

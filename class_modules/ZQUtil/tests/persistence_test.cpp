@@ -1,12 +1,12 @@
-// Deferred persistence: what scripts set reaches files and key store later, whole, in order, and never on their thread.
-#include "ZQUtilPersistence.h"
-
+// Deferred persistence: what scripts set reaches files and key store later, whole, in order, and never on
+// their thread.
 #include <sys/resource.h>
 
 #include <filesystem>
 #include <thread>
 
 #include "ZQScreen.h"
+#include "ZQUtilPersistence.h"
 #include "audio_volume.h"
 #include "module_fixture.h"
 #include "nvram.h"
@@ -43,8 +43,9 @@ TEST_F(PersistenceTest, TracesABrightnessWrite) {
   Start();
   ZQUtil::AsyncConfigWrite(kConfigBrightness);
   Settle();
-  for (const char* text : {"ZQUtil Asynchronous config write (2)", "ZQUtil opening /proc/blctrl",
-                           "ZqUtil Writing screen brightness", "Writing INI FIle Int config, brightness, 255, zqutil.ini"}) {
+  for (const char* text :
+       {"ZQUtil Asynchronous config write (2)", "ZQUtil opening /proc/blctrl",
+        "ZqUtil Writing screen brightness", "Writing INI FIle Int config, brightness, 255, zqutil.ini"}) {
     EXPECT_NE(Traces().find(std::string(text) + "\n"), std::string::npos) << text;
   }
 }
@@ -94,7 +95,8 @@ TEST_F(PersistenceTest, StringAndIntegerWritesTraceWhatTheyWrite) {
   ZQUtil::my_WriteINIFileInt("config", "count", -5, "app.ini");
   Settle();
   EXPECT_EQ(Traces(),
-            "Writing INI FIle String config, name, A phone, app.ini\nWriting INI FIle Int config, count, -5, app.ini\n");
+            "Writing INI FIle String config, name, A phone, app.ini\nWriting INI FIle Int config, count, -5, "
+            "app.ini\n");
   EXPECT_EQ(ReadFile("app.ini"), "[config]\nname=A phone\ncount=-5\n");
 }
 
@@ -150,7 +152,8 @@ TEST_F(PersistenceTest, ManyThreadsLoseNoSetting) {
   Settle();
   for (int t = 0; t < 4; ++t) {
     for (int i = 0; i < 25; ++i) {
-      EXPECT_EQ(StoredSetting("key" + std::to_string(t) + "_" + std::to_string(i), "many.ini"), std::to_string(i));
+      EXPECT_EQ(StoredSetting("key" + std::to_string(t) + "_" + std::to_string(i), "many.ini"),
+                std::to_string(i));
     }
   }
 }

@@ -36,7 +36,9 @@ class PowerTest : public ModuleTest {
   Object& util;
 };
 
-TEST_F(PowerTest, IsNoTablet) { EXPECT_EQ(engine.Answer(util, "isTablet"), "no"); }
+TEST_F(PowerTest, IsNoTablet) {
+  EXPECT_EQ(engine.Answer(util, "isTablet"), "no");
+}
 
 TEST_F(PowerTest, NamesEveryChargerState) {
   struct Row {
@@ -55,15 +57,15 @@ TEST_F(PowerTest, NamesEveryChargerState) {
     for (const int value : row.values) {
       const std::string number = std::to_string(value);
       EXPECT_EQ(ChargeFor(number + "\n"), row.name) << value;
-      EXPECT_EQ(Traces(), "GUI call to GetIntFileFromContents\nValue from file " + std::string(kCharge) + " is " +
-                              number + "\nCharge Status is " + number + "\n" + row.trace + "\n");
+      EXPECT_EQ(Traces(), "GUI call to GetIntFileFromContents\nValue from file " + std::string(kCharge) +
+                              " is " + number + "\nCharge Status is " + number + "\n" + row.trace + "\n");
     }
   }
 }
 
 TEST_F(PowerTest, MakesItsStringsWithTheTerminatingNulCounted) {
-  for (const auto& [content, length] : std::vector<std::pair<const char*, uint32_t>>{
-           {"4", 10}, {"7", 11}, {"8", 12}, {"0", 8}, {"14", 15}}) {
+  for (const auto& [content, length] :
+       std::vector<std::pair<const char*, uint32_t>>{{"4", 10}, {"7", 11}, {"8", 12}, {"0", 8}, {"14", 15}}) {
     WriteFile(kCharge, content);
     zq_Value result = ZQ_VALUE_VOID;
     ASSERT_EQ(engine.Call(util, "chargeStatus", {}, &result), 1);
@@ -72,15 +74,16 @@ TEST_F(PowerTest, MakesItsStringsWithTheTerminatingNulCounted) {
 }
 
 TEST_F(PowerTest, TellsTheBatteryInPercent) {
-  for (const auto& [voltage, percent] : std::vector<std::pair<const char*, const char*>>{{"400", "100"},
-                                                                                         {"1000", "100"},
-                                                                                         {"399", "98"},
-                                                                                         {"367", "50"},
-                                                                                         {"334", "1"},
-                                                                                         {"333", "0"},
-                                                                                         {"0", "0"},
-                                                                                         {"-5", "0"},
-                                                                                         {"99999999999", "100"}}) {
+  for (const auto& [voltage, percent] :
+       std::vector<std::pair<const char*, const char*>>{{"400", "100"},
+                                                        {"1000", "100"},
+                                                        {"399", "98"},
+                                                        {"367", "50"},
+                                                        {"334", "1"},
+                                                        {"333", "0"},
+                                                        {"0", "0"},
+                                                        {"-5", "0"},
+                                                        {"99999999999", "100"}}) {
     EXPECT_EQ(PercentFor(voltage), "<int " + std::string(percent) + ">") << voltage;
   }
 }
@@ -127,7 +130,8 @@ TEST_F(PowerTest, ReadsTheNumberAtTheStartOfTheFirstLine) {
 
 TEST_F(PowerTest, AsksForAName) {
   EXPECT_EQ(ZQUtil::GetIntValueFromFileContents(nullptr), 0);
-  EXPECT_EQ(Traces(), "GUI call to GetIntFileFromContents\nNo Filename Supplied to GetIntValueFromFileContents\n");
+  EXPECT_EQ(Traces(),
+            "GUI call to GetIntFileFromContents\nNo Filename Supplied to GetIntValueFromFileContents\n");
 }
 
 }  // namespace

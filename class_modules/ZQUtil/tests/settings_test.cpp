@@ -29,7 +29,9 @@ TEST_F(SettingsTest, AMissingSettingIsEmptyOrTheDefault) {
   EXPECT_EQ(Answer("getIniSetting", {S("app"), S("key"), N(7)}), "7");
   WriteFile("app.ini", "[config]\nother=1\n");
   EXPECT_EQ(Answer("getIniSetting", {S("app"), S("key"), S("7"), S("more")}), "7");
-  EXPECT_EQ(Traces(), "ZQUtil Get Ini Setting\nZQUtil Get Ini Setting\nZQUtil Get Ini Setting\nZQUtil Get Ini Setting\n");
+  EXPECT_EQ(
+      Traces(),
+      "ZQUtil Get Ini Setting\nZQUtil Get Ini Setting\nZQUtil Get Ini Setting\nZQUtil Get Ini Setting\n");
 }
 
 TEST_F(SettingsTest, TheDefaultOfAVoidOrNullThirdArgumentIsAsTheEngineSpellsIt) {
@@ -82,8 +84,11 @@ TEST_F(SettingsTest, TheApplicationZqutilIsTheModuleItself) {
 }
 
 TEST_F(SettingsTest, SettingsMethodsFailOnMissingArguments) {
-  for (const auto& bad : std::vector<std::vector<zq_Value>>{
-           {}, {S("app")}, {ZQ_VALUE_VOID, S("k")}, {S("app"), ZQ_VALUE_NULL}, {ZQ_VALUE_NULL, S("k"), S("v")}}) {
+  for (const auto& bad : std::vector<std::vector<zq_Value>>{{},
+                                                            {S("app")},
+                                                            {ZQ_VALUE_VOID, S("k")},
+                                                            {S("app"), ZQ_VALUE_NULL},
+                                                            {ZQ_VALUE_NULL, S("k"), S("v")}}) {
     EXPECT_EQ(Answer("getIniSetting", bad), "<returned 0>") << bad.size();
     EXPECT_EQ(Answer("setIniSetting", bad), "<returned 0>") << bad.size();
   }
@@ -154,7 +159,8 @@ TEST_F(SettingsTest, CacheMethodsFailOnAWrongCount) {
            {}, {S("n")}, {S("n"), S("c"), S("x")}, {ZQ_VALUE_NULL, S("c")}, {S("n"), ZQ_VALUE_VOID}}) {
     EXPECT_EQ(Answer("writeFile", bad), "<returned 0>") << bad.size();
   }
-  for (const auto& bad : std::vector<std::vector<zq_Value>>{{}, {S("n"), S("c")}, {ZQ_VALUE_NULL}, {ZQ_VALUE_VOID}}) {
+  for (const auto& bad :
+       std::vector<std::vector<zq_Value>>{{}, {S("n"), S("c")}, {ZQ_VALUE_NULL}, {ZQ_VALUE_VOID}}) {
     EXPECT_EQ(Answer("deleteFile", bad), "<returned 0>") << bad.size();
     EXPECT_EQ(Answer("utf8Encode", bad), "<returned 0>") << bad.size();
   }

@@ -34,8 +34,10 @@ TEST_F(VolumesAndScreenTest, PhoneAndMediaVolumeAreOneValue) {
 }
 
 TEST_F(VolumesAndScreenTest, VolumesAreClamped) {
-  for (const auto& [setter, getter] : std::vector<std::pair<const char*, const char*>>{
-           {"setPhoneVolume", "getPhoneVolume"}, {"setMediaVolume", "getMediaVolume"}, {"setMicVolume", "getMicVolume"}}) {
+  for (const auto& [setter, getter] :
+       std::vector<std::pair<const char*, const char*>>{{"setPhoneVolume", "getPhoneVolume"},
+                                                        {"setMediaVolume", "getMediaVolume"},
+                                                        {"setMicVolume", "getMicVolume"}}) {
     EXPECT_EQ(Set(setter, N(150), getter), "100");
     EXPECT_EQ(Set(setter, N(-5), getter), "0");
     EXPECT_EQ(Set(setter, S("99999999999999999999"), getter), "100");
@@ -53,7 +55,8 @@ TEST_F(VolumesAndScreenTest, AStoredVolumeIsClampedInTheAnswerOnly) {
 }
 
 TEST_F(VolumesAndScreenTest, MissingArgumentsSetNothing) {
-  for (const char* setter : {"setPhoneVolume", "setMediaVolume", "setMicVolume", "setBrightness", "setContrast"}) {
+  for (const char* setter :
+       {"setPhoneVolume", "setMediaVolume", "setMicVolume", "setBrightness", "setContrast"}) {
     EXPECT_EQ(Answer(setter), "<void>");
     EXPECT_EQ(Answer(setter, {ZQ_VALUE_VOID}), "<void>");
     EXPECT_EQ(Answer(setter, {ZQ_VALUE_NULL}), "<void>");
@@ -79,12 +82,15 @@ TEST_F(VolumesAndScreenTest, TracesVolumeCalls) {
 }
 
 TEST_F(VolumesAndScreenTest, TracesVolumeSetters) {
-  for (const auto& [method, name] : std::vector<std::pair<const char*, const char*>>{
-           {"setPhoneVolume", "SetPhoneVolume"}, {"setMediaVolume", "SetMediaVolume"}, {"setMicVolume", "SetMicVolume"}}) {
+  for (const auto& [method, name] :
+       std::vector<std::pair<const char*, const char*>>{{"setPhoneVolume", "SetPhoneVolume"},
+                                                        {"setMediaVolume", "SetMediaVolume"},
+                                                        {"setMicVolume", "SetMicVolume"}}) {
     Settle();
     ForgetTraces();
     Answer(method, {N(150)});
-    EXPECT_EQ(Traces().rfind("ZQUtil GUI Call to " + std::string(name) + "\nZQUtil Setting 100\n", 0), 0U) << Traces();
+    EXPECT_EQ(Traces().rfind("ZQUtil GUI Call to " + std::string(name) + "\nZQUtil Setting 100\n", 0), 0U)
+        << Traces();
   }
 }
 
@@ -149,11 +155,13 @@ TEST_F(VolumesAndScreenTest, WithoutItsPartsEveryMethodSucceedsAndDoesNothing) {
   ZQUtil& singleton = *ZQUtil::m_pInstance;
   ZQAudioVolume* const volumes = std::exchange(singleton.audioVolume, nullptr);
   ZQScreen* const screen = std::exchange(singleton.screen, nullptr);
-  for (const char* getter : {"getPhoneVolume", "getMediaVolume", "getMicVolume", "getBrightness", "getContrast",
-                             "getDimMode", "MutePhone", "UnmutePhone", "MuteMic", "UnmuteMic"}) {
+  for (const char* getter :
+       {"getPhoneVolume", "getMediaVolume", "getMicVolume", "getBrightness", "getContrast", "getDimMode",
+        "MutePhone", "UnmutePhone", "MuteMic", "UnmuteMic"}) {
     EXPECT_EQ(Answer(getter), "<void>") << getter;
   }
-  for (const char* setter : {"setPhoneVolume", "setMediaVolume", "setMicVolume", "setBrightness", "setContrast"}) {
+  for (const char* setter :
+       {"setPhoneVolume", "setMediaVolume", "setMicVolume", "setBrightness", "setContrast"}) {
     EXPECT_EQ(Answer(setter, {N(5)}), "<void>") << setter;
   }
   EXPECT_EQ(Answer("setDimMode", {S("true")}), "<void>");

@@ -1,5 +1,5 @@
-// The seam between a script engine's host and a class module: machine words, one table of services, one native
-// method signature, six entry points. Plain C, no code: hosts and modules share nothing else.
+// The seam between a script engine's host and a class module: machine words, one table of services, one
+// native method signature, six entry points. Plain C, no code: hosts and modules share nothing else.
 #ifndef ZQ_ENGINE_H
 #define ZQ_ENGINE_H
 
@@ -12,9 +12,9 @@ extern "C" {
 // A script value is one machine word.
 //   void     ZQ_VALUE_VOID: no value, a missing argument
 //   null     ZQ_VALUE_NULL
-//   integer  ZQ_VALUE_FROM_INT(n): n shifted left by one with the low bit set, as a 32-bit word, zero-extended
-//   object   the object's handle, a pointer
-//   string   a pointer that the engine gave out (NewString), valid until the native method that got it returns
+//   integer  ZQ_VALUE_FROM_INT(n): n shifted left by one with the low bit set, as a 32-bit word,
+//   zero-extended object   the object's handle, a pointer string   a pointer that the engine gave out
+//   (NewString), valid until the native method that got it returns
 typedef uintptr_t zq_Value;
 
 #define ZQ_VALUE_VOID ((zq_Value)0x80000001U)
@@ -24,7 +24,8 @@ typedef uintptr_t zq_Value;
 // A native method or constructor. `rval` may be null; a method that stores nothing there answers void.
 // Returns 1: handled; 0: failure, reported to the script as an exception.
 typedef int32_t (*zq_NativeMethod)(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
-// Called once, on the script thread, after the script object was collected. `self` is its handle, no longer usable.
+// Called once, on the script thread, after the script object was collected. `self` is its handle, no longer
+// usable.
 typedef int32_t (*zq_Finalizer)(void* self);
 
 typedef int32_t (*zq_DefineMethod)(void* object, const char* name, zq_NativeMethod method, uint32_t declared);
@@ -35,14 +36,15 @@ typedef int32_t (*zq_ValueToObject)(zq_Value value, void** object);
 // A new empty array, or null. `length` 0 and `elements` null are what modules pass.
 typedef void* (*zq_NewArray)(uint32_t length, zq_Value* elements);
 typedef int32_t (*zq_SetElement)(void* array, uint32_t index, zq_Value* value);
-// NUL-terminated UTF-8 owned by the engine, valid until the native method returns; null when the value cannot be
-// text. `scratch` is a word zeroed by the caller, for the engine's own use.
+// NUL-terminated UTF-8 owned by the engine, valid until the native method returns; null when the value cannot
+// be text. `scratch` is a word zeroed by the caller, for the engine's own use.
 typedef const char* (*zq_ValueToString)(zq_Value value, uint32_t* scratch);
 // `length` counts the terminating NUL: "YES" is passed with 4.
 typedef int32_t (*zq_NewString)(const char* bytes, uint32_t length, zq_Value* value);
 typedef void* (*zq_NewObject)(void);
 typedef int32_t (*zq_SetProperty)(void* object, const char* name, zq_Value* value);
-typedef int32_t (*zq_CallMethod)(void* object, const char* name, uint32_t argc, zq_Value* argv, zq_Value* rval);
+typedef int32_t (*zq_CallMethod)(void* object, const char* name, uint32_t argc, zq_Value* argv,
+                                 zq_Value* rval);
 typedef int32_t (*zq_CallMethodWithArgs)(void* object, const char* name, uint32_t argc, zq_Value* argv);
 // Both return 1 on success. The pointer is the module's; the engine never looks behind it.
 typedef int32_t (*zq_SetPrivate)(void* object, void** pointer);
@@ -53,7 +55,8 @@ typedef void (*zq_BeginRequest)(void* classObject);
 typedef void (*zq_EndRequest)(void* classObject);
 typedef void (*zq_HostLog)(const char* text);
 
-// Slots of the service table, an array of machine words. A slot that a host lacks is null or beyond its length.
+// Slots of the service table, an array of machine words. A slot that a host lacks is null or beyond its
+// length.
 enum zq_EngineSlot {
   ZQ_SLOT_CLASS_OBJECT = 0,  // not a function: the object on which the class is defined
   ZQ_SLOT_DEFINE_METHOD = 3,

@@ -41,8 +41,8 @@ class ZQ_API zq_List {
   size_t Count() const;
   const char* Name() const;
 
-  // Iteration from the head: for (auto* p = list.First(); p; p = list.Next(p)) use(list.Record(p)). A position is
-  // good until its record is taken out.
+  // Iteration from the head: for (auto* p = list.First(); p; p = list.Next(p)) use(list.Record(p)). A
+  // position is good until its record is taken out.
   Position* First() const;
   Position* Next(const Position* position) const;
   void* Record(const Position* position) const;

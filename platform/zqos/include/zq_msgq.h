@@ -1,8 +1,8 @@
-// Message queues: one thread each, which hands messages, timer expiries and socket notices to MessageHandler one at
-// a time, in the order of their instants.
+// Message queues: one thread each, which hands messages, timer expiries and socket notices to MessageHandler
+// one at a time, in the order of their instants.
 //
-// A queue is named by a handle (never 0). A handle whose queue is gone is refused by every function, for good: the
-// number is not given out again.
+// A queue is named by a handle (never 0). A handle whose queue is gone is refused by every function, for
+// good: the number is not given out again.
 #ifndef ZQ_MSGQ_H
 #define ZQ_MSGQ_H
 
@@ -13,11 +13,11 @@
 
 // Message types that the platform posts; others belong to whoever owns the queue.
 enum : uint32_t {
-  ZQ_MSG_QUEUE_STARTED = 1,      // first message of a queue
-  ZQ_MSG_TIMER = 256,            // first parameter: timer id; second: timer parameter
-  ZQ_MSG_SOCKET_CONNECTED = 512, // first parameter: socket handle
-  ZQ_MSG_SOCKET_FAILED = 516,    // first parameter: socket handle
-  ZQ_MSG_NEW_INTERFACES = 517    // the machine's network interfaces or their addresses changed
+  ZQ_MSG_QUEUE_STARTED = 1,       // first message of a queue
+  ZQ_MSG_TIMER = 256,             // first parameter: timer id; second: timer parameter
+  ZQ_MSG_SOCKET_CONNECTED = 512,  // first parameter: socket handle
+  ZQ_MSG_SOCKET_FAILED = 516,     // first parameter: socket handle
+  ZQ_MSG_NEW_INTERFACES = 517     // the machine's network interfaces or their addresses changed
 };
 
 // One message, allocated with zq__calloc. Whoever handles it frees it with zq__free.
@@ -39,19 +39,21 @@ class ZQ_API zq_MsgQ {
   zq_MsgQ(const char* name, const char* threadName);
   zq_MsgQ(const zq_MsgQ&) = delete;
   zq_MsgQ& operator=(const zq_MsgQ&) = delete;
-  // Discards what Destroy did not see. A derived class calls Destroy in its own destructor: handlers need it whole.
+  // Discards what Destroy did not see. A derived class calls Destroy in its own destructor: handlers need it
+  // whole.
   virtual ~zq_MsgQ();
 
-  // Starts the queue and its thread. Returns, true, after the queue-started message was handled; false when the
-  // system gives no thread or descriptor. `name` null keeps the constructor's. `stackBytes` 0: the default.
+  // Starts the queue and its thread. Returns, true, after the queue-started message was handled; false when
+  // the system gives no thread or descriptor. `name` null keeps the constructor's. `stackBytes` 0: the
+  // default.
   bool Create(const char* name, uint32_t stackBytes);
-  // Handles what was posted until now, then no more: timers are disarmed, later posts stay unhandled. Returns when
-  // the queue's thread is idle. What the handlers use may be taken down after that. Called from a handler of this
-  // queue itself it returns at once.
+  // Handles what was posted until now, then no more: timers are disarmed, later posts stay unhandled. Returns
+  // when the queue's thread is idle. What the handlers use may be taken down after that. Called from a
+  // handler of this queue itself it returns at once.
   void Drain();
-  // Ends the queue: refuses posts and timers from now on, handles what was posted before (`discard` false) or frees
-  // it unhandled (true), and returns when the thread has ended, or, called from a handler of this queue, at once,
-  // the thread ending when that handler returns without touching this object again.
+  // Ends the queue: refuses posts and timers from now on, handles what was posted before (`discard` false) or
+  // frees it unhandled (true), and returns when the thread has ended, or, called from a handler of this
+  // queue, at once, the thread ending when that handler returns without touching this object again.
   void Destroy(bool discard);
   // 0 before Create and after Destroy.
   uint32_t Handle() const;
@@ -67,8 +69,8 @@ class ZQ_API zq_MsgQ {
 
 extern "C" {
 
-// Posts a message. `inFront`: ahead of what waits. `priority` is kept in the message. False, and nothing posted,
-// when the destination is gone or memory is out: pointers in the parameters stay the caller's.
+// Posts a message. `inFront`: ahead of what waits. `priority` is kept in the message. False, and nothing
+// posted, when the destination is gone or memory is out: pointers in the parameters stay the caller's.
 ZQ_API bool zq__MsgCreateCommonAndSend(uint32_t destination, uint32_t source, uint32_t type, uint32_t param1,
                                        uintptr_t param2, uintptr_t param3, bool inFront, uint32_t priority,
                                        const char* file, int line);

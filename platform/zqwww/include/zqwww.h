@@ -17,8 +17,8 @@ ZQWWW_API void zqwww_term(void);
 #ifdef __cplusplus
 }
 
-// One HTTP exchange. The library calls back on a thread of its own, so an object is destroyed by a message to its
-// owner's queue and not from within a callback.
+// One HTTP exchange. The library calls back on a thread of its own, so an object is destroyed by a message to
+// its owner's queue and not from within a callback.
 class ZQWWW_API HTTP {
  public:
   HTTP();
