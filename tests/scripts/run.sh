@@ -1,0 +1,21 @@
+#!/bin/sh
+# Runs CASE.js with the module on a fresh simulated device, then CASE.after.js, where there is one, on the same device:
+# what the first left must be there at the next start. A case fails by throwing.
+#   run.sh FOLDER-OF-PROGRAMS CASE
+set -eu
+programs=$1
+case=$2
+here=$(dirname "$0")
+parent=/dev/shm
+[ -w "$parent" ] || parent=${TMPDIR:-/tmp}
+folder=$(mktemp -d "$parent/zqutil-script-XXXXXX")
+trap 'rm -rf "$folder"' EXIT
+for script in "$here/$case.js" "$here/$case.after.js"; do
+  [ -f "$script" ] || continue
+  status=0
+  "$programs/sorel" --device "$folder/device" "$script" || status=$?
+  if [ "$status" -ne 0 ]; then
+    echo "$script: status $status" >&2
+    exit 1
+  fi
+done
