@@ -3,6 +3,8 @@
 
 #include <sys/epoll.h>
 
+#include <new>
+
 #include "msgq_message.h"
 #include "platform_trace.h"
 #include "zq_thread.h"
@@ -41,9 +43,12 @@ bool MsgqLoop::Register(const char* queueName) {
 }
 
 bool MsgqLoop::Start(const char* threadName, uint32_t stackBytes) {
-  auto self = std::make_unique<std::shared_ptr<MsgqLoop>>(shared_from_this());
+  std::unique_ptr<std::shared_ptr<MsgqLoop>> self(new (std::nothrow)
+                                                      std::shared_ptr<MsgqLoop>(shared_from_this()));
   const zq_ThreadAttributes attributes{stackBytes};
-  threadHandle_ = zq__beginthread(&MsgqLoop::ThreadMain, self.get(), &attributes, __FILE__, __LINE__);
+  if (self != nullptr) {
+    threadHandle_ = zq__beginthread(&MsgqLoop::ThreadMain, self.get(), &attributes, __FILE__, __LINE__);
+  }
   if (threadHandle_ == 0) {
     QueueHandles().Remove(handle_);
     return false;
@@ -111,7 +116,7 @@ MSG_COMMON* MsgqLoop::TakeNext() {
   if (message == nullptr) {
     const MsgqAgenda::Timer& timer = agenda_.PostponeTimer(now + kRetryNs);
     PlatformFailure("timer \"%s\" is late for want of memory", timer.name.c_str());
-    return nullptr;
+    return TakeNext();  // others may wait behind it
   }
   const auto [id, param] = agenda_.TakeTimer(now);
   message->param1 = id;

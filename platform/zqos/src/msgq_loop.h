@@ -37,7 +37,8 @@ class MsgqLoop : public std::enable_shared_from_this<MsgqLoop> {
 
   // Once, first: gives the queue its handle. False, traced, when the system gives no descriptor.
   bool Register(const char* queueName);
-  // Once, then. False, traced, when the system gives no thread; the handle is gone then.
+  // Once, then. False when the system gives no thread (traced) or memory; the handle is gone then. Throws
+  // nothing.
   bool Start(const char* threadName, uint32_t stackBytes);
   // Returns when the queue-started message was handled.
   void AwaitStarted();
