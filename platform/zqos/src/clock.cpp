@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -24,7 +25,8 @@ class SystemClock : public zq_Clock {
   }
 
   void Sleep(uint64_t ns) override {
-    const uint64_t end = MonotonicNs() + ns;
+    const uint64_t now = MonotonicNs();
+    const uint64_t end = now + std::min(ns, UINT64_MAX - now);
     const timespec until{static_cast<time_t>(end / kNsPerSecond), static_cast<long>(end % kNsPerSecond)};
     while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) {
     }

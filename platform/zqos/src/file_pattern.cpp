@@ -1,7 +1,8 @@
 #include "file_pattern.h"
 
 #include <fnmatch.h>
-#include <locale.h>
+
+#include <clocale>
 
 FilePattern SplitPattern(const std::string& pattern) {
   const size_t slash = pattern.rfind('/');

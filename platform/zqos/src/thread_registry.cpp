@@ -75,10 +75,14 @@ ThreadRegistry& ThreadRegistry::Get() {
 // The key's destructor runs after those of the thread's C++ thread_local objects, and however the thread
 // ends.
 ThreadRegistry::ThreadRegistry() {
-  pthread_key_create(&ownHandle_, &ThreadRegistry::Ended);
+  noKey_ = pthread_key_create(&ownHandle_, &ThreadRegistry::Ended);
 }
 
 uint32_t ThreadRegistry::Start(zq_ThreadFunction function, void* argument, size_t stackBytes, int* error) {
+  if (noKey_ != 0) {
+    *error = noKey_;
+    return 0;
+  }
   const Attributes attributes(stackBytes);
   auto launch = std::make_unique<Launch>(Launch{function, argument, 0});
   // Held over the creation, so that the entry is complete before the thread can end.
@@ -103,8 +107,10 @@ void* ThreadRegistry::Run(void* argument) {
   auto* const launch = static_cast<Launch*>(argument);
   const Launch own = *launch;
   delete launch;
-  pthread_setspecific(Get().ownHandle_, HandleAsPointer(own.handle));
+  void* const handle = HandleAsPointer(own.handle);
+  const bool endsByKey = pthread_setspecific(Get().ownHandle_, handle) == 0;
   own.function(own.argument);
+  if (!endsByKey) Ended(handle);
   return nullptr;
 }
 

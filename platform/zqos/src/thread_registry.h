@@ -34,6 +34,7 @@ class ThreadRegistry {
   static void Ended(void* handle);
   uint32_t FreeHandle();
 
+  int noKey_ = 0;              // why the process has no key left for us
   pthread_key_t ownHandle_{};  // the thread's handle, in the threads that are the platform's
   std::mutex mutex_;
   std::condition_variable ended_;

@@ -3,8 +3,10 @@
 #include <spdlog/details/log_msg.h>
 #include <spdlog/sinks/sink.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 
 #include "trace_level.h"
@@ -86,8 +88,6 @@ bool TraceOutput::Redirect(const char* destination, int level) {
   if (!opened.opened) return false;
   configured_ = true;
   destination_ = next;
-  // In this order: the end of the old syslog sink would close the connection of a new one.
-  sink_.reset();
   sink_ = std::move(opened.sink);
   SetCut(level);
   return true;

@@ -52,8 +52,10 @@ OpenedSink OpenTraceSink(const std::string& destination) {
     // Without the pattern: syslog stamps its lines itself.
     return {true, {}, std::make_shared<spdlog::sinks::syslog_sink_st>("", LOG_PID, LOG_USER, false)};
   }
-  const int descriptor =
-      open(destination.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY, 0644);
+  // Not blocking: the open of a pipe would wait for a reader, and with it the program's first line.
+  const int flags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY;
+  const int descriptor = open(destination.c_str(), flags | O_NONBLOCK, 0644);
+  if (descriptor >= 0) fcntl(descriptor, F_SETFL, flags);
   if (descriptor < 0) return {false, std::generic_category().message(errno), nullptr};
   return {true, {}, std::make_shared<DescriptorSink>(descriptor, true)};
 }

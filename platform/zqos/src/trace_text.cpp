@@ -1,5 +1,6 @@
 #include "trace_text.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>

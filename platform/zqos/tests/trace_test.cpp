@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -259,6 +260,21 @@ TEST(TraceFile, OnAFullDiskLosesLinesAndNothingElse) {
   ASSERT_TRUE(zq_TraceRedirect(trace.Path().c_str(), 0));
   Say(0, "kept");
   EXPECT_THAT(trace.Texts(), ElementsAre("kept"));
+}
+
+TEST(TraceFile, ThatIsAPipeNobodyReadsHoldsNobodyUp) {
+  const TempDir folder;
+  const std::string pipe = folder / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_FALSE(zq_TraceRedirect(pipe.c_str(), 0));
+  const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  EXPECT_TRUE(zq_TraceRedirect(pipe.c_str(), 0));
+  Say(0, "read me");
+  char bytes[100] = "";
+  EXPECT_GT(read(reader, bytes, sizeof bytes - 1), 0);
+  EXPECT_THAT(bytes, testing::EndsWith("10000 - read me\n"));
+  zq_TraceRedirect("off", 0);
+  close(reader);
 }
 
 TEST(TraceFile, DescriptorIsNotInheritedByChildren) {
