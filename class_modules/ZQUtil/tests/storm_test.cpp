@@ -1,0 +1,100 @@
+// What the device stored stays whole: through processes killed at any instant, and through disks that refuse.
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <random>
+
+#include "ZQUtilEntryPoints.h"
+#include "fault.h"
+#include "module_fixture.h"
+
+namespace {
+
+// A value that shows whether it is whole: its number, and as many letters as that says.
+std::string Value(int number) {
+  return std::to_string(number) + ":" + std::string(number % 700, 'v');
+}
+
+// The number of a whole value; -1 for a torn one; 0 for none.
+int NumberOf(const std::string& value) {
+  if (value == "<none>") return 0;
+  const int number = std::atoi(value.c_str());
+  return number > 0 && value == Value(number) ? number : -1;
+}
+
+[[noreturn]] void WriteUntilKilled(int from) {
+  BareEngine engine;
+  MM_InitWrapper(engine.Table(), BareEngine::TableBytes());
+  BareEngine::Object& util = engine.Construct();
+  for (int number = from;; ++number) {
+    const zq_Value value = engine.String(Value(number));
+    engine.Call(util, "setIniSetting", {engine.String("app"), engine.String("key"), value}, nullptr);
+    // The key store is small: its copies hold a few thousand bytes.
+    engine.Call(util, "setFirstTime", {value}, nullptr);
+    engine.Call(util, "setBrightness", {ZQ_VALUE_FROM_INT(number % 100)}, nullptr);
+    usleep(200);
+  }
+}
+
+TEST(Storm, KillsAtAnyInstantLeaveEveryFileOldOrNewAndWhole) {
+  ResetDevice();
+  std::mt19937 random(20261121);
+  int setting = 0;
+  int key = 0;
+  constexpr int kRounds = 1000;
+  for (int round = 1; round <= kRounds; ++round) {
+    const pid_t child = fork();
+    if (child == 0) WriteUntilKilled(round * 1000);
+    usleep(random() % 12000);
+    kill(child, SIGKILL);
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << "it ended by itself: " << status;
+
+    const int settingNow = NumberOf(StoredSetting("key", "app.ini"));
+    ASSERT_GE(settingNow, setting) << "round " << round << ": " << ReadFile("app.ini");
+    setting = settingNow;
+    const int keyNow = NumberOf(StoredKey("net.firsttime"));
+    ASSERT_GE(keyNow, key) << "round " << round << ": " << StoredKey("net.firsttime");
+    key = keyNow;
+    const std::string brightness = StoredSetting("brightness");
+    ASSERT_TRUE(brightness == "<none>" || brightness == std::to_string(std::stoi(brightness))) << brightness;
+  }
+  EXPECT_GT(setting, 1000) << "the storm never reached the disk";
+  EXPECT_GT(key, 1000);
+}
+
+class RefusingDiskTest : public ModuleTest,
+                         public testing::WithParamInterface<std::tuple<const char*, const char*>> {};
+
+TEST_P(RefusingDiskTest, WhatWasStoredStaysAndTheNextWriteWorks) {
+  Object& util = New();
+  const auto set = [&](int number) {
+    engine.Answer(util, "setIniSetting", {S("app"), S("key"), S(Value(number))});
+    engine.Answer(util, "setFirstTime", {S(Value(number))});
+    Settle();
+  };
+  set(1001);
+  for (int nth = 1; nth <= 6; ++nth) {
+    const auto& [call, error] = GetParam();
+    {
+      const Fault fault(OnThisMachine(""), std::string(call) + ":" + std::to_string(nth) + ":" + error);
+      set(1002);
+    }
+    for (const std::string& value : {StoredSetting("key", "app.ini"), StoredKey("net.firsttime")}) {
+      EXPECT_TRUE(NumberOf(value) == 1001 || NumberOf(value) == 1002) << nth << ": " << value;
+    }
+    set(1001);
+    EXPECT_EQ(StoredSetting("key", "app.ini"), Value(1001)) << nth;
+    EXPECT_EQ(StoredKey("net.firsttime"), Value(1001)) << nth;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EachCall, RefusingDiskTest,
+    testing::Combine(testing::Values("open", "write", "fsync", "rename", "close", "ftruncate"),
+                     testing::Values("ENOSPC", "EIO")),
+    [](const auto& row) { return std::string(std::get<0>(row.param)) + "With" + std::get<1>(row.param); });
+
+}  // namespace
