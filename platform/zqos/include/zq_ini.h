@@ -1,14 +1,14 @@
 // INI settings files. Any thread, any number of processes.
 //
 // A file name without a "/" lies in $ZQ_CONFIG_DIR, or in the working directory when that is unset. Sections
-// and keys are compared without regard to ASCII case; of equal ones the last counts. A value is text up to
-// the end of the line without surrounding blanks; one that needs it (blanks at an end, a line break, a
-// leading quote) stands in double quotes with \n, \r, \t, \" and \\ inside. Lines that are no setting are
-// kept as they are.
+// and keys are compared without regard to ASCII case and surrounding blanks; of equal ones the last counts. A
+// value is text up to the end of the line without surrounding blanks; one that needs it (blanks at an end, a
+// line break, a leading quote) stands in double quotes with \n, \r, \t, \" and \\ inside. Lines that are no
+// setting are kept as they are.
 //
 // A write replaces the file whole or not at all, whatever happens in between, and keeps comments, order and
-// the line ends in use. Writers of one folder take turns by a lock (flock) on the folder, which other
-// programs may take too.
+// the line ends in use; a link stays one, the file that it names is written. Writers of one folder take turns
+// by a lock (flock) on the folder, which other programs may take too.
 #ifndef ZQ_INI_H
 #define ZQ_INI_H
 
@@ -33,9 +33,11 @@ ZQ_API size_t zq_GetINIFileString(const char* section, const char* key, const ch
 // `fallback` (text, null: no) says.
 ZQ_API bool zq_GetINIFileAffirmative(const char* section, const char* key, const char* fallback,
                                      const char* file);
-// Writes one value. `durable`: on the disk when the call returns. False, the old file untouched and the
-// reason traced, when the section or key cannot stand in a file (empty, a line break, "=" or "]", a leading
-// comment sign) or the disk refuses.
+// Writes one value. `durable`: on the disk when the call returns, also when it was there already; otherwise
+// the system writes it in its own time, and a power cut before that may lose it. False, the old file
+// untouched and the reason traced, when the section or key cannot stand in a file (empty, a line break, "="
+// or "]", a leading comment sign; for a key also a leading "["), the file may not be written, or the disk
+// refuses.
 ZQ_API bool zq_WriteINIFileString(const char* section, const char* key, const char* value, const char* file,
                                   bool durable);
 ZQ_API bool zq_WriteINIFileInt(const char* section, const char* key, int32_t value, const char* file,

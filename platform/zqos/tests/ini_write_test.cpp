@@ -120,7 +120,7 @@ TEST_F(IniWriteTest, RefusesWhatIsNoFileAndSaysWhy) {
 TEST_F(IniWriteTest, RefusesToOverwriteAFileThatMayNotBeWritten) {
   WriteFile(file_, "[a]\nx=1\n");
   fs::permissions(folder_.Path(), fs::perms::all);
-  fs::permissions(file_, fs::perms::owner_read | fs::perms::others_read);
+  fs::permissions(file_, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
   const pid_t child = InChild([this] {
     if (geteuid() == 0 && setuid(65534) != 0) return 2;
     return Set("a", "x", "2", file_) ? 1 : 0;
