@@ -43,7 +43,7 @@ JSValueRef MakeError(JSContextRef context, const std::string& message) {
 JSValueRef Unwind(JSContextRef context, JSValueRef* exception) {
   // The exception takes the script out of this call; should it catch that, the engine's limit ends it soon
   // after.
-  Runtime::Get().RestartLimit();
+  Runtime::Get().RestoreLimit();
   *exception = MakeError(context, "the program ends");
   return JSValueMakeUndefined(context);
 }

@@ -12,6 +12,7 @@
 #include "prompt.h"
 #include "runtime.h"
 #include "signals.h"
+#include "stack_scrub.h"
 #include "zq_thread.h"
 
 namespace sorel {
@@ -76,6 +77,7 @@ void Host::Run() {
   }
   JSValueRef thrown = nullptr;
   Evaluate(context, script_, &thrown);
+  ScrubStack();
   if (thrown == nullptr) thrown = loop_.Run(context);
   if (thrown != nullptr) Fail(context, thrown);
 }

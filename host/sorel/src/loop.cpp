@@ -12,6 +12,7 @@
 #include "output.h"
 #include "runtime.h"
 #include "script_timers.h"
+#include "stack_scrub.h"
 #include "zq_clock.h"
 
 namespace sorel {
@@ -51,6 +52,7 @@ void Loop::CollectWhenIdle(JSContextRef context) {
   HandleTable& handles = Runtime::Get().Handles();
   const Instant now = zq_ClockGet()->MonotonicNs();
   if (Runtime::Get().ExitRequested() || collector_.NextDue(now, handles.Instances()) > now) return;
+  ScrubStack();
   JSSynchronousGarbageCollectForDebugging(context);
   Runtime::Get().TakeCollected();
   collector_.OnCollected(zq_ClockGet()->MonotonicNs(), static_cast<size_t>(FinalizeCollected()));

@@ -83,6 +83,17 @@ HandleTable::Self Construct(JSObjectRef self) {
   return handles.FindInstance(self);
 }
 
+// Functions of the engine have the length 0, which no plain assignment changes.
+void SetLength(JSContextRef context, JSObjectRef function, uint32_t length) {
+  JSObjectRef object = GetObjectProperty(context, Runtime::Get().Global(), "Object");
+  JSObjectRef define = object != nullptr ? GetObjectProperty(context, object, "defineProperty") : nullptr;
+  if (define == nullptr) return;
+  JSObjectRef descriptor = JSObjectMake(context, nullptr, nullptr);
+  SetProperty(context, descriptor, "value", JSValueMakeNumber(context, length));
+  const JSValueRef arguments[] = {function, MakeJsValue(context, "length"), descriptor};
+  JSObjectCallAsFunction(context, define, object, std::size(arguments), arguments, nullptr);
+}
+
 }  // namespace
 
 JSObjectRef MakeClass(const std::string& name) {
@@ -120,8 +131,7 @@ bool DefineMethod(JSObjectRef object, const char* name, zq_NativeMethod method, 
     return false;
   }
   JSObjectRef function = JSObjectMakeFunctionWithCallback(context, JsText::Of(name).Get(), entry);
-  constexpr JSPropertyAttributes kFixed = kJSPropertyAttributeReadOnly | kJSPropertyAttributeDontEnum;
-  SetProperty(context, function, "length", JSValueMakeNumber(context, declared), kFixed);
+  SetLength(context, function, declared);
   if (isConstructor) {
     JSValueRef argument = function;
     return JSObjectCallAsFunction(context, found->second.setConstructor, nullptr, 1, &argument, nullptr) !=

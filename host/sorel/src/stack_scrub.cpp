@@ -1,0 +1,15 @@
+#include "stack_scrub.h"
+
+#include <cstring>
+
+namespace sorel {
+
+__attribute__((noinline)) void ScrubStack() {
+  constexpr size_t kBytes = 64 * 1024;
+  char words[kBytes];
+  memset(words, 0, sizeof words);
+  // Tells the compiler that somebody looks at the zeros.
+  asm volatile("" : : "r"(words) : "memory");
+}
+
+}  // namespace sorel

@@ -1,0 +1,89 @@
+// The prompt, typed at through a terminal.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include "sorel_run.h"
+#include "terminal_program.h"
+
+namespace {
+
+class Prompt : public testing::Test {
+ protected:
+  TerminalProgram& Start() {
+    program_ = std::make_unique<TerminalProgram>(
+        std::vector<std::string>{SorelProgram(), "--module", TestModule("Probe")},
+        std::vector<std::string>{"XDG_STATE_HOME=" + home_.Path().string(), "TERM=xterm",
+                                 "INPUTRC=/dev/null"});
+    EXPECT_TRUE(program_->Await("> "));
+    return *program_;
+  }
+  TempDir home_;
+  std::unique_ptr<TerminalProgram> program_;
+};
+
+TEST_F(Prompt, ShowsWhatALineGives) {
+  TerminalProgram& program = Start();
+  program.Type("6 * 7\r");
+  EXPECT_TRUE(program.Await("42\r\n"));
+  program.Type("({a: 'x'})\r");
+  EXPECT_TRUE(program.Await("{\"a\":\"x\"}\r\n"));
+  program.Type("'te' + 'xt'\r");
+  EXPECT_TRUE(program.Await("\"text\"\r\n"));
+  program.Type("const kept = 5\rkept + 1\r");
+  EXPECT_TRUE(program.Await("6\r\n"));
+}
+TEST_F(Prompt, AnErrorIsALineAndThePromptGoesOn) {
+  TerminalProgram& program = Start();
+  program.Type("nope\r");
+  EXPECT_TRUE(program.Await("ReferenceError: Can't find variable: nope\r\n"));
+  program.Type("setTimeout(() => { throw new Error('la' + 'ter') }, 1)\r");
+  EXPECT_TRUE(program.Await("Error: later\r\n"));
+  program.Type("1 + 1\r");
+  EXPECT_TRUE(program.Await("2\r\n"));
+}
+TEST_F(Prompt, CompletesMethodsOfTheObjectBeforeTheDot) {
+  TerminalProgram& program = Start();
+  program.Type("const p = new Probe()\r");
+  EXPECT_TRUE(program.Await("Probe()\r\n"));
+  program.Type("p.hasPr\t()\r");
+  EXPECT_TRUE(program.Await("p.hasPrivate()"));
+  EXPECT_TRUE(program.Await("1\r\n"));
+  program.Type("setInt\t\r");
+  EXPECT_TRUE(program.Await("setInterval"));
+  program.Type("globalThis.clearT\t.name\r");
+  EXPECT_TRUE(program.Await("\"clearTimeout\""));
+}
+TEST_F(Prompt, TimersAndListenersGoOnWhileItWaits) {
+  TerminalProgram& program = Start();
+  program.Type("const p = new Probe(); p.listen({on() {}, onLast(row) { print('from ' + row.Name) }})\r");
+  program.Type("setTimeout(() => print('tim' + 'er'), 5)\r");
+  EXPECT_TRUE(program.Await("timer\r\n"));
+  EXPECT_TRUE(program.Await("> "));
+  program.Type("p.callFromLooseWorker()\r");
+  EXPECT_TRUE(program.Await("from loose\r\n"));
+}
+TEST_F(Prompt, RemembersLines) {
+  Start().Type("'remem' + 'bered'\r.exit\r");
+  EXPECT_EQ(program_->AwaitEnd(), 0);
+  Start().Type("\x1b[A\x1b[A\r");
+  EXPECT_TRUE(program_->Await("\"remembered\"")) << program_->Screen();
+}
+TEST_F(Prompt, HelpIsGiven) {
+  Start().Type(".help\r");
+  EXPECT_TRUE(program_->Await(".exit"));
+}
+TEST_F(Prompt, EveryWayOutGivesTheTerminalBack) {
+  for (const std::string keys : {".exit\r", "\x04", "exit(0)\r"}) {
+    Start().Type(keys);
+    EXPECT_EQ(program_->AwaitEnd(), 0) << program_->Screen();
+    EXPECT_FALSE(program_->IsRaw());
+  }
+  Start().Signal(SIGTERM);
+  EXPECT_EQ(program_->AwaitEnd(), 128 + SIGTERM);
+  EXPECT_FALSE(program_->IsRaw());
+  Start().Type("new Probe().endProcess(9)\r");
+  EXPECT_EQ(program_->AwaitEnd(), 9);
+  EXPECT_FALSE(program_->IsRaw());
+}
+
+}  // namespace
