@@ -61,7 +61,7 @@ bool PutCopy(const std::string& path, std::string bytes, bool checked, bool miss
   }
   Put(path, bytes);
   const Bytes image(bytes.begin(), bytes.end());
-  return image.size() == kCopySize && IsWhole(image, redundant) && IsEnded(image, redundant);
+  return image.size() == kCopySize && IsWhole(image, redundant) && IsReadable(image, redundant);
 }
 
 void ReadAndWrite(const std::string& config, bool anyGood) {

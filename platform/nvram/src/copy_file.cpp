@@ -73,9 +73,9 @@ CopyReading ReadCopy(const CopyPlace& place, bool redundant) {
   if (!IsWhole(reading.image, redundant)) {
     reading.state = CopyState::Damaged;
     reading.why = place.path + " is damaged";
-  } else if (!IsEnded(reading.image, redundant)) {
+  } else if (!IsReadable(reading.image, redundant)) {
     reading.state = CopyState::Unusable;
-    reading.why = place.path + " has no end";
+    reading.why = place.path + " holds no readable texts";
   }
   return reading;
 }

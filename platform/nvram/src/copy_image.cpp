@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr std::string_view kFlags = ".flags=";
+
 uint32_t Checksum(std::span<const uint8_t> data) {
   return static_cast<uint32_t>(crc32_z(0, data.data(), data.size()));
 }
@@ -15,6 +17,13 @@ uint32_t Checksum(std::span<const uint8_t> data) {
 std::string_view Texts(std::span<const uint8_t> image, bool redundant) {
   const std::span<const uint8_t> data = image.subspan(HeaderSize(redundant));
   return {reinterpret_cast<const char*>(data.data()), data.size()};
+}
+
+// Takes the first text and its end off.
+std::string_view TakeText(std::string_view& texts) {
+  const std::string_view text = texts.substr(0, texts.find('\0'));
+  texts.remove_prefix(std::min(text.size() + 1, texts.size()));
+  return text;
 }
 
 }  // namespace
@@ -26,10 +35,12 @@ bool IsWhole(std::span<const uint8_t> image, bool redundant) {
   return stored == Checksum(image.subspan(HeaderSize(redundant)));
 }
 
-bool IsEnded(std::span<const uint8_t> image, bool redundant) {
+bool IsReadable(std::span<const uint8_t> image, bool redundant) {
   if (image.size() <= HeaderSize(redundant)) return false;
-  const std::string_view texts = Texts(image, redundant);
-  return texts.front() == '\0' || texts.find(std::string_view("\0\0", 2)) != std::string_view::npos;
+  int flags = 0;
+  std::string_view texts = Texts(image, redundant);
+  while (!texts.empty() && texts.front() != '\0') flags += TakeText(texts).starts_with(kFlags) ? 1 : 0;
+  return !texts.empty() && flags <= 1;
 }
 
 Bytes EmptyImage(size_t size, bool redundant, uint8_t counter) {
@@ -53,14 +64,12 @@ std::optional<Bytes> BuildImage(const Entries& entries, const std::string& flags
 }
 
 std::string FlagsText(std::span<const uint8_t> image, bool redundant) {
-  std::string_view flags;
   std::string_view texts = Texts(image, redundant);
   while (!texts.empty() && texts.front() != '\0') {
-    const std::string_view text = texts.substr(0, texts.find('\0'));
-    if (text.starts_with(".flags=")) flags = text;
-    texts.remove_prefix(std::min(text.size() + 1, texts.size()));
+    const std::string_view text = TakeText(texts);
+    if (text.starts_with(kFlags)) return std::string(text);
   }
-  return std::string(flags);
+  return {};
 }
 
 uint8_t Counter(std::span<const uint8_t> image, bool redundant) {

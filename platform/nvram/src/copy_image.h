@@ -22,8 +22,9 @@ constexpr size_t HeaderSize(bool redundant) {
 
 // Whether the CRC holds.
 bool IsWhole(std::span<const uint8_t> image, bool redundant);
-// Whether the data has the empty text that ends it; a reader would run past the end otherwise.
-bool IsEnded(std::span<const uint8_t> image, bool redundant);
+// Whether the library can read it: the data has the empty text that ends it (the library would run past the
+// end), and no second text of the key ".flags" (it would lose the first one's memory).
+bool IsReadable(std::span<const uint8_t> image, bool redundant);
 // A copy without keys.
 Bytes EmptyImage(size_t size, bool redundant, uint8_t counter);
 // The same with these keys and values, and `flags` (what FlagsText gave) after them. None when they do not

@@ -15,7 +15,7 @@ TEST(Image, HoldsTheTextsAfterTheHeaderAndZeroesBehindThem) {
   EXPECT_EQ(image[4], 7);
   EXPECT_EQ(std::string(image.begin() + 5, image.end()), std::string("a=1\0b=\0\0\0\0\0\0\0\0\0\0\0\0", 19));
   EXPECT_TRUE(IsWhole(image, true));
-  EXPECT_TRUE(IsEnded(image, true));
+  EXPECT_TRUE(IsReadable(image, true));
 }
 
 TEST(Image, OfOneCopyHasNoCounter) {
@@ -36,7 +36,7 @@ TEST(Image, FitsToTheLastByteAndNoFurther) {
   // Header 5, "a=1" and "b=" with their ends 7, the empty text 1.
   EXPECT_TRUE(BuildImage(kTwo, "", 13, true, 0));
   EXPECT_FALSE(BuildImage(kTwo, "", 12, true, 0));
-  EXPECT_TRUE(IsEnded(*BuildImage(kTwo, "", 13, true, 0), true));
+  EXPECT_TRUE(IsReadable(*BuildImage(kTwo, "", 13, true, 0), true));
 }
 
 TEST(Image, IsNotWholeAfterAnyFlipButOneOfTheCounter) {
@@ -50,21 +50,26 @@ TEST(Image, IsNotWholeAfterAnyFlipButOneOfTheCounter) {
   }
 }
 
-TEST(Image, WithoutAnEmptyTextHasNoEnd) {
+TEST(Image, WithoutAnEmptyTextAtTheEndIsNotReadable) {
   Bytes image = BuildImage(kTwo, "", 24, true, 7).value();
   std::fill(image.begin() + 5, image.end(), 'x');
-  EXPECT_FALSE(IsEnded(image, true));
+  EXPECT_FALSE(IsReadable(image, true));
   image.back() = 0;
-  EXPECT_FALSE(IsEnded(image, true));
+  EXPECT_FALSE(IsReadable(image, true));
   image[image.size() - 2] = 0;
-  EXPECT_TRUE(IsEnded(image, true));
+  EXPECT_TRUE(IsReadable(image, true));
 }
 
-TEST(Image, OfAHeaderOrLessIsNeitherWholeNorEnded) {
+TEST(Image, OfAHeaderOrLessIsNeitherWholeNorReadable) {
   for (size_t size = 0; size <= 5; ++size) {
     EXPECT_FALSE(IsWhole(Bytes(size), true));
-    EXPECT_FALSE(IsEnded(Bytes(size), true));
+    EXPECT_FALSE(IsReadable(Bytes(size), true));
   }
+}
+
+TEST(Image, WithTwoTextsOfFlagsIsNotReadable) {
+  EXPECT_TRUE(IsReadable(*BuildImage({{".flags", "a:s"}}, "", 40, true, 0), true));
+  EXPECT_FALSE(IsReadable(*BuildImage({{".flags", "a:s"}}, ".flags=b:s", 40, true, 0), true));
 }
 
 TEST(Image, KeepsTheFlags) {
