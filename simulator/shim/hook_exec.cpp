@@ -58,22 +58,31 @@ int ExecuteByName(const char* name, char* const arguments[], char* const environ
   return NEXT(execvpe)(FindOnDevice(name, found) ? found : name, arguments, environment);
 }
 
+// The number of pointers in the array that the execl family's arguments make, with its null.
 size_t CountArguments(const char* first, va_list rest) {
   size_t count = 1;
   for (const char* next = first; next != nullptr; next = va_arg(rest, const char*)) ++count;
   return count;
 }
 
+void CopyArguments(char** words, size_t count, const char* first, va_list rest) {
+  words[0] = const_cast<char*>(first);
+  for (size_t i = 1; i < count; ++i) words[i] = va_arg(rest, char*);
+}
+
 }  // namespace
 
-// The arguments of the execl family as an array on the stack, and `rest` behind their null.
-#define ZQSIM_GATHER(array, first, rest)                                                   \
-  va_start(rest, first);                                                                   \
-  char** array = static_cast<char**>(alloca(CountArguments(first, rest) * sizeof(char*))); \
-  va_end(rest);                                                                            \
-  va_start(rest, first);                                                                   \
-  array[0] = const_cast<char*>(first);                                                     \
-  for (size_t i = 0; array[i] != nullptr; ++i) array[i + 1] = va_arg(rest, char*);
+// Declares `arguments`, on the stack of the call: the `count` words up to their null, then as many as are
+// `behind` it.
+#define ZQSIM_GATHER(first, behind)                                                         \
+  va_list rest;                                                                             \
+  va_start(rest, first);                                                                    \
+  const size_t count = CountArguments((first), rest);                                       \
+  va_end(rest);                                                                             \
+  char** const arguments = static_cast<char**>(alloca((count + (behind)) * sizeof(char*))); \
+  va_start(rest, first);                                                                    \
+  CopyArguments(arguments, count + (behind), (first), rest);                                \
+  va_end(rest);
 
 ZQSIM_HOOK int execve(const char* path, char* const arguments[], char* const environment[]) noexcept {
   return Execute(path, arguments, environment);
@@ -89,28 +98,21 @@ ZQSIM_HOOK int execvpe(const char* name, char* const arguments[], char* const en
 }
 
 ZQSIM_HOOK int execl(const char* path, const char* first, ...) noexcept {
-  va_list rest;
-  ZQSIM_GATHER(arguments, first, rest)
-  va_end(rest);
+  ZQSIM_GATHER(first, 0)
   return Execute(path, arguments, environ);
 }
 ZQSIM_HOOK int execlp(const char* name, const char* first, ...) noexcept {
-  va_list rest;
-  ZQSIM_GATHER(arguments, first, rest)
-  va_end(rest);
+  ZQSIM_GATHER(first, 0)
   return ExecuteByName(name, arguments, environ);
 }
 ZQSIM_HOOK int execle(const char* path, const char* first, ...) noexcept {
-  va_list rest;
-  ZQSIM_GATHER(arguments, first, rest)
-  char* const* const environment = va_arg(rest, char* const*);
-  va_end(rest);
-  return Execute(path, arguments, environment);
+  ZQSIM_GATHER(first, 1)
+  return Execute(path, arguments, reinterpret_cast<char**>(arguments[count]));
 }
 
 ZQSIM_HOOK int posix_spawn(pid_t* child, const char* path, const posix_spawn_file_actions_t* actions,
                            const posix_spawnattr_t* attributes, char* const arguments[],
-                           char* const environment[]) noexcept {
+                           char* const environment[]) {
   const MappedPath at(path, Use::kLook);
   if (!at.Ok()) return errno;
   return NEXT(posix_spawn)(child, at.Text(), actions, attributes, arguments, environment);
@@ -118,7 +120,7 @@ ZQSIM_HOOK int posix_spawn(pid_t* child, const char* path, const posix_spawn_fil
 
 ZQSIM_HOOK int posix_spawnp(pid_t* child, const char* name, const posix_spawn_file_actions_t* actions,
                             const posix_spawnattr_t* attributes, char* const arguments[],
-                            char* const environment[]) noexcept {
+                            char* const environment[]) {
   char found[PATH_MAX];
   if (strchr(name, '/') == nullptr && FindOnDevice(name, found)) name = found;
   const MappedPath at(name, Use::kLook);

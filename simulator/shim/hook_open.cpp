@@ -13,8 +13,11 @@ ZQSIM_NEXT(openat64)
 
 namespace {
 
-bool TakesMode(int flags) {
-  return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+// The mode, an argument only of calls that may make a file.
+mode_t ModeOf(int flags, va_list rest) {
+  const bool given = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): each caller has started the list.
+  return given ? va_arg(rest, mode_t) : 0;
 }
 
 template <typename Next>
@@ -33,34 +36,36 @@ int OpenAt(Next next, int folder, const char* path, int flags, mode_t mode) {
 
 }  // namespace
 
-// The mode is an argument only of calls that may make a file.
-#define ZQSIM_READ_MODE(mode, flags) \
-  mode_t mode = 0;                   \
-  if (TakesMode(flags)) {            \
-    va_list rest;                    \
-    va_start(rest, flags);           \
-    mode = va_arg(rest, mode_t);     \
-    va_end(rest);                    \
-  }
-
 ZQSIM_HOOK int open(const char* path, int flags, ...) {
-  ZQSIM_READ_MODE(mode, flags)
-  return Open(NEXT(open), path, flags, mode);
+  va_list rest;
+  va_start(rest, flags);
+  const int descriptor = Open(NEXT(open), path, flags, ModeOf(flags, rest));
+  va_end(rest);
+  return descriptor;
 }
 
 ZQSIM_HOOK int open64(const char* path, int flags, ...) {
-  ZQSIM_READ_MODE(mode, flags)
-  return Open(NEXT(open64), path, flags, mode);
+  va_list rest;
+  va_start(rest, flags);
+  const int descriptor = Open(NEXT(open64), path, flags, ModeOf(flags, rest));
+  va_end(rest);
+  return descriptor;
 }
 
 ZQSIM_HOOK int openat(int folder, const char* path, int flags, ...) {
-  ZQSIM_READ_MODE(mode, flags)
-  return OpenAt(NEXT(openat), folder, path, flags, mode);
+  va_list rest;
+  va_start(rest, flags);
+  const int descriptor = OpenAt(NEXT(openat), folder, path, flags, ModeOf(flags, rest));
+  va_end(rest);
+  return descriptor;
 }
 
 ZQSIM_HOOK int openat64(int folder, const char* path, int flags, ...) {
-  ZQSIM_READ_MODE(mode, flags)
-  return OpenAt(NEXT(openat64), folder, path, flags, mode);
+  va_list rest;
+  va_start(rest, flags);
+  const int descriptor = OpenAt(NEXT(openat64), folder, path, flags, ModeOf(flags, rest));
+  va_end(rest);
+  return descriptor;
 }
 
 ZQSIM_HOOK int creat(const char* path, mode_t mode) {

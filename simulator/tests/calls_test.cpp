@@ -66,10 +66,16 @@ TEST_F(Calls, NoneReachesTheDeviceWithoutTheLibrary) {
   EXPECT_EQ(result.output.find(" ok\n"), std::string::npos) << result.output;
 }
 
-TEST_F(Calls, ALibraryStillFindsAnotherBesideItselfByName) {
-  const ProgramResult result =
-      Run({ZQSIM_PROBES "/zqsim_probe_ask", ZQSIM_PROBES "/libzqsim_probe_asker.so"});
-  EXPECT_EQ(result.status, 0) << result.errors;
+// A sanitizer's runtime stands before dlopen too, and loses the caller; then there is nothing for the device
+// to keep.
+TEST_F(Calls, ALibraryFindsAnotherBesideItselfByNameAsItDoesOnTheMachine) {
+  const std::vector<std::string> ask = {ZQSIM_PROBES "/zqsim_probe_ask",
+                                        ZQSIM_PROBES "/libzqsim_probe_asker.so"};
+  const int onMachine = RunProgram(ask).status;
+  if (std::string(ZQSIM_SANITIZER_RUNTIME).empty()) {
+    EXPECT_EQ(onMachine, 0);
+  }
+  EXPECT_EQ(Run(ask).status, onMachine);
 }
 
 }  // namespace

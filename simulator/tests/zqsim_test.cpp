@@ -171,15 +171,17 @@ TEST_F(Zqsim, FindsTheCommandAsTheCallerWould) {
 }
 
 TEST_F(Zqsim, KeepsWhatWasPreloadedAndTheOthersHostPaths) {
+  const std::string runtime = ZQSIM_SANITIZER_RUNTIME;
+  const std::string first = runtime.empty() ? "" : runtime + ":";
+  const std::string library = ZQSIM_PROBES "/libzqsim_probe_leaf.so";
   const ProgramResult result =
       Run({"sh", "-c", "echo $LD_PRELOAD; echo $ZQ_SIM_HOST_PATHS; echo ${ZQ_NVRAM_CONFIG-unset}"},
-          {.environment = {"LD_PRELOAD=" ZQSIM_PROBES "/libzqsim_probe_leaf.so",
-                           "ZQ_SIM_HOST_PATHS=/media/share", "ZQ_NVRAM_CONFIG=/etc/other"}});
+          {.environment = {"LD_PRELOAD=" + first + library, "ZQ_SIM_HOST_PATHS=/media/share",
+                           "ZQ_NVRAM_CONFIG=/etc/other"}});
   EXPECT_EQ(result.errors, "");
-  EXPECT_NE(result.output.find("libzqsim.so:" ZQSIM_PROBES "/libzqsim_probe_leaf.so\n/media/share:"),
-            std::string::npos)
+  EXPECT_TRUE(result.output.starts_with(first + ZQSIM_SHIM ":" + library + "\n/media/share:"))
       << result.output;
-  EXPECT_TRUE(result.output.ends_with("\nunset\n"));
+  EXPECT_TRUE(result.output.ends_with("\nunset\n")) << result.output;
 }
 
 TEST_F(Zqsim, ADeviceStartedFromADeviceIsTheInnerOne) {

@@ -48,11 +48,12 @@ bool ListsLeaf(Call call) {
   return names == "leaf";
 }
 
-template <typename Result, typename Call>
-bool FindsLeaf(Call call) {
+template <typename Result, typename Call, typename Free>
+bool FindsLeaf(Call call, Free free) {
   Result result{};
   const bool found = call(PROBE_TREE "/l*", &result) == 0 && result.gl_pathc == 1 &&
                      strcmp(result.gl_pathv[0], PROBE_TREE "/leaf") == 0;
+  free(&result);
   return found;
 }
 
@@ -128,12 +129,13 @@ constexpr ProbeRow kRows[] = {
     {"glob",
      [] {
        return FindsLeaf<glob_t>(
-           [](const char* pattern, glob_t* found) { return glob(pattern, 0, nullptr, found); });
+           [](const char* pattern, glob_t* found) { return glob(pattern, 0, nullptr, found); }, globfree);
      }},
     {"glob64",
      [] {
        return FindsLeaf<glob64_t>(
-           [](const char* pattern, glob64_t* found) { return glob64(pattern, 0, nullptr, found); });
+           [](const char* pattern, glob64_t* found) { return glob64(pattern, 0, nullptr, found); },
+           globfree64);
      }},
     {"nftw",
      [] {
