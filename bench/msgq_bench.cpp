@@ -178,7 +178,7 @@ void ThereAndBack(benchmark::State& state) {
   QueuePair queues;
   GlibPair glib;
   std::vector<double> floor, ours, theirs, overFloor, overGlib;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     floor.push_back(SecondsOf([&] { eventfds.Trips(kTrips); }) / kTrips * 1e6);
     ours.push_back(SecondsOf([&] { queues.Trips(kTrips); }) / kTrips * 1e6);
     theirs.push_back(SecondsOf([&] { glib.Trips(kTrips); }) / kTrips * 1e6);
@@ -206,7 +206,7 @@ gboolean Release(void* done) {
 void Burst(benchmark::State& state) {
   constexpr uint32_t kPosts = 1'000'000;
   std::vector<double> ours, theirs, ratio;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     Player queue;
     ours.push_back(
         SecondsOf([&] {

@@ -42,13 +42,10 @@ bool MsgqLoop::Register(const char* queueName) {
   return true;
 }
 
-bool MsgqLoop::Start(const char* threadName, uint32_t stackBytes) {
-  std::unique_ptr<std::shared_ptr<MsgqLoop>> self(new (std::nothrow)
-                                                      std::shared_ptr<MsgqLoop>(shared_from_this()));
+bool MsgqLoop::Start(const char* threadName, uint32_t stackBytes) try {
+  auto self = std::make_unique<std::shared_ptr<MsgqLoop>>(shared_from_this());
   const zq_ThreadAttributes attributes{stackBytes};
-  if (self != nullptr) {
-    threadHandle_ = zq__beginthread(&MsgqLoop::ThreadMain, self.get(), &attributes, __FILE__, __LINE__);
-  }
+  threadHandle_ = zq__beginthread(&MsgqLoop::ThreadMain, self.get(), &attributes, __FILE__, __LINE__);
   if (threadHandle_ == 0) {
     QueueHandles().Remove(handle_);
     return false;
@@ -56,6 +53,9 @@ bool MsgqLoop::Start(const char* threadName, uint32_t stackBytes) {
   static_cast<void>(self.release());  // the thread's
   zq_ThreadSetName(threadHandle_, threadName);
   return true;
+} catch (const std::bad_alloc&) {
+  QueueHandles().Remove(handle_);
+  return false;
 }
 
 int32_t MsgqLoop::ThreadMain(void* start) {
