@@ -4,6 +4,10 @@ JOBS ?= $(shell nproc)
 DEVICE ?= device
 PRESETS_TESTED = release asan tsan
 
+# What the compiler cache holds is good for another clone of the same sources too.
+export CCACHE_BASEDIR = $(CURDIR)
+export CCACHE_NOHASHDIR = true
+
 .DEFAULT_GOAL := build
 .PHONY: help packages build run test quick lint bench fuzz coverage install format clean $(PRESETS_TESTED:%=test-%)
 
