@@ -34,14 +34,15 @@ void Require(bool held) {
   if (!held) abort();
 }
 
-std::string Folder() {
-  static const std::string folder = [] {
+// Outlives the function that removes it at the end.
+const std::string& Folder() {
+  static const std::string& folder = *new std::string([] {
     std::string pattern = (std::filesystem::temp_directory_path() / "zq-nvram-fuzz-XXXXXX").string();
     Require(mkdtemp(pattern.data()) != nullptr);
     zq_TraceRedirect("off", 0);
     atexit([] { std::filesystem::remove_all(Folder()); });
     return pattern;
-  }();
+  }());
   return folder;
 }
 

@@ -14,12 +14,14 @@ namespace {
 
 std::vector<CopyReading> ReadCopies(const StoreConfig& config) {
   std::vector<CopyReading> copies;
+  copies.reserve(config.copies.size());
   for (const CopyPlace& place : config.copies) copies.push_back(ReadCopy(place, config.Redundant()));
   return copies;
 }
 
 Mending Decide(const std::vector<CopyReading>& copies) {
   std::vector<CopyState> states;
+  states.reserve(copies.size());
   for (const CopyReading& copy : copies) states.push_back(copy.state);
   return DecideMending(states);
 }
@@ -78,7 +80,7 @@ std::string EraseStore(const StoreConfig& config) {
   uint8_t counter = 1;  // the first copy is the newer one
   for (const CopyPlace& place : config.copies) {
     const CopyState state = ReadCopy(place, config.Redundant()).state;
-    const std::string why = PutImage(place, state, EmptyImage(place.size, config.Redundant(), counter--), {});
+    std::string why = PutImage(place, state, EmptyImage(place.size, config.Redundant(), counter--), {});
     if (!why.empty()) return why;
   }
   return {};

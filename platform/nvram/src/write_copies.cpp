@@ -42,6 +42,7 @@ struct Current {
 Current ReadCurrent(const StoreConfig& config) {
   const bool redundant = config.Redundant();
   Current current;
+  current.copies.reserve(config.copies.size());
   for (const CopyPlace& place : config.copies) current.copies.push_back(ReadCopy(place, redundant));
   for (size_t i = 0; i < current.copies.size(); ++i) {
     if (current.copies[i].state != CopyState::Good) continue;
