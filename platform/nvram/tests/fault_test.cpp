@@ -130,7 +130,8 @@ TEST_F(NvramFaultTest, AMendingThatFailsLosesNothing) {
   Fill();
   Put("last", "written");  // the older copy has the key, too
   const std::string good = ReadFile(second_);
-  for (const auto& [damaged, whole] : {std::pair(first_, second_), std::pair(second_, first_)}) {
+  for (const std::string& damaged : {first_, second_}) {
+    const std::string& whole = damaged == first_ ? second_ : first_;
     for (const size_t length : {size_t{0}, kCopySize}) {
       WriteFile(whole, good);
       WriteFile(damaged, std::string(length, '\0'));
