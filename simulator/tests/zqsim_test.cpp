@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <string_view>
 #include <thread>
 
 #include "device_fixture.h"
@@ -124,8 +125,9 @@ TEST_F(Zqsim, RefusesAFolderThatCannotBeWritten) {
 }
 
 TEST_F(Zqsim, TwoAtOnceMakeOneDevice) {
-  std::vector<std::thread> threads;
   std::vector<std::string> results(6);
+  std::vector<std::thread> threads;
+  threads.reserve(results.size());
   for (std::string& result : results) {
     threads.emplace_back([&] { result = Run({"cat", "/etc/client.tag"}).output; });
   }
@@ -171,8 +173,8 @@ TEST_F(Zqsim, FindsTheCommandAsTheCallerWould) {
 }
 
 TEST_F(Zqsim, KeepsWhatWasPreloadedAndTheOthersHostPaths) {
-  const std::string runtime = ZQSIM_SANITIZER_RUNTIME;
-  const std::string first = runtime.empty() ? "" : runtime + ":";
+  const std::string_view runtime = ZQSIM_SANITIZER_RUNTIME;
+  const std::string first = runtime.empty() ? "" : std::string(runtime) + ":";
   const std::string library = ZQSIM_PROBES "/libzqsim_probe_leaf.so";
   const ProgramResult result =
       Run({"sh", "-c", "echo $LD_PRELOAD; echo $ZQ_SIM_HOST_PATHS; echo ${ZQ_NVRAM_CONFIG-unset}"},

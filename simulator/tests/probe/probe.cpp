@@ -13,9 +13,14 @@ std::string Fresh() {
   return PROBE_FOLDER "/fresh" + std::to_string(++number);
 }
 
+std::string Place(const std::string& path) {
+  const char* root = getenv("ZQ_DEVICE");
+  return root == nullptr ? path : root + path;
+}
+
 bool OnDevice(const std::string& path) {
   struct stat facts;
-  return lstat((getenv("ZQ_DEVICE") + path).c_str(), &facts) == 0;
+  return lstat(Place(path).c_str(), &facts) == 0;
 }
 
 bool ReadsGiven(int descriptor) {

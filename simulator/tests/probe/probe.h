@@ -32,6 +32,8 @@ std::span<const ProbeRow> ProgramRows();
 
 // A device path that nothing has; another at each call.
 std::string Fresh();
+// Where the device path is on the machine.
+std::string Place(const std::string& path);
 // True when the device path is there, seen from the machine.
 bool OnDevice(const std::string& path);
 // True when the descriptor reads "device"; closes it.

@@ -68,7 +68,7 @@ constexpr const char* kWalk = PROBE_TREE "=tree," PROBE_TREE "/leaf=leaf,";
 bool HearsChange() {
   const int watcher = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
   const bool watches = inotify_add_watch(watcher, PROBE_TREE "/leaf", IN_OPEN) >= 0;
-  const int leaf = open((std::string(getenv("ZQ_DEVICE")) + PROBE_TREE "/leaf").c_str(), O_RDONLY);
+  const int leaf = open(Place(PROBE_TREE "/leaf").c_str(), O_RDONLY);
   char event[sizeof(inotify_event) + 256];
   const bool hears = watches && leaf >= 0 && read(watcher, event, sizeof(event)) > 0;
   close(leaf);
