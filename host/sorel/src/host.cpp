@@ -83,11 +83,11 @@ void Host::Run() {
 }
 
 void Host::End() {
-  Runtime::Get().BeginEnding();
+  Runtime& runtime = Runtime::Get();
+  runtime.RequestExit(EXIT_SUCCESS);
   FinalizeAll();
   EndModules();
-  Runtime& runtime = Runtime::Get();
-  zq_ExitProcess(runtime.ExitRequested() ? runtime.ExitStatus() : EXIT_SUCCESS);
+  zq_ExitProcess(runtime.ExitStatus());
 }
 
 void Host::EndModules() {

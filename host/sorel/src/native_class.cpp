@@ -144,7 +144,7 @@ bool DefineMethod(JSObjectRef object, const char* name, zq_NativeMethod method, 
 JSValueRef CallNative(const NativeMethod& method, JSContextRef context, JSObjectRef self, size_t count,
                       const JSValueRef arguments[], JSValueRef* exception) {
   Runtime& runtime = Runtime::Get();
-  if (runtime.ExitRequested() || !runtime.Serves()) return Unwind(context, exception);
+  if (runtime.ExitRequested()) return Unwind(context, exception);
   const HandleTable::Self known =
       method.isConstructor ? Construct(self) : runtime.Handles().FindInstance(self);
   const Word handle = known.handle != 0 ? known.handle : HandleOfSelf(self);

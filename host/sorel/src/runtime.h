@@ -23,9 +23,8 @@ class Runtime {
   JSObjectRef Global() const { return JSContextGetGlobalObject(context_); }
   HandleTable& Handles() { return handles_; }
 
-  // False for other threads once the host has begun to end: services answer 0.
-  bool Serves() const { return !ending_.load(std::memory_order_acquire) || OnScriptThread(); }
-  void BeginEnding() { ending_.store(true, std::memory_order_release); }
+  // False for other threads once the host is asked to end: services answer 0.
+  bool Serves() const { return OnScriptThread() || !ExitRequested(); }
 
   // Any thread, also from within a script, which is ended. The first status counts.
   void RequestExit(int status);
@@ -60,7 +59,6 @@ class Runtime {
   const int wakeFd_;
   const JSGlobalContextRef context_;
   HandleTable handles_;
-  std::atomic<bool> ending_{false};
   std::atomic<int> exitStatus_{kRunning};
   std::atomic<bool> collected_{false};
   std::atomic<bool> limitElsewhere_{false};
