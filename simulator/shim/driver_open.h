@@ -2,9 +2,8 @@
 // value's tail ("42" over "100" would read back "420"). So opening for writing, in any mode, empties the
 // plain file first: what one opening writes is the value. And no opening makes a driver's file that is not
 // there.
-//
-// This is also where files that answer more than reads and writes would be told apart: by a table of path
-// prefixes like the one of PathRules, a row for each kind of device, asked when the path is opened.
+// A file opened for both by open itself keeps its value until a write (device_table.h), which also tells the
+// files apart that answer more than reads and writes.
 #ifndef ZQSIM_DRIVER_OPEN_H
 #define ZQSIM_DRIVER_OPEN_H
 

@@ -3,6 +3,7 @@
 
 #include <cstdarg>
 
+#include "device_table.h"
 #include "driver_open.h"
 #include "next.h"
 
@@ -20,18 +21,26 @@ mode_t ModeOf(int flags, va_list rest) {
   return given ? va_arg(rest, mode_t) : 0;
 }
 
+// Opens by `call`, which gets the path and the flags that the kernel shall see.
+template <typename Call>
+int OpenBy(const char* path, int flags, const Call& call) {
+  const MappedPath at(path, UseOfFlags(flags));
+  if (!at.Ok()) return -1;
+  const DeviceKind kind = KindOf(at, flags);
+  if (!AdaptFlags(at, flags)) return -1;
+  if (kind == DeviceKind::kDriverValue) flags &= ~O_TRUNC;
+  return NoteOpened(call(at.Text(), flags), kind);
+}
+
 template <typename Next>
 int Open(Next next, const char* path, int flags, mode_t mode) {
-  const MappedPath at(path, UseOfFlags(flags));
-  if (!at.Ok() || !AdaptFlags(at, flags)) return -1;
-  return next(at.Text(), flags, mode);
+  return OpenBy(path, flags, [&](const char* text, int adapted) { return next(text, adapted, mode); });
 }
 
 template <typename Next>
 int OpenAt(Next next, int folder, const char* path, int flags, mode_t mode) {
-  const MappedPath at(path, UseOfFlags(flags));
-  if (!at.Ok() || !AdaptFlags(at, flags)) return -1;
-  return next(folder, at.Text(), flags, mode);
+  return OpenBy(path, flags,
+                [&](const char* text, int adapted) { return next(folder, text, adapted, mode); });
 }
 
 }  // namespace
