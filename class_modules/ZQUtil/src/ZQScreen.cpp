@@ -4,15 +4,43 @@
 #include "ZQUtil.h"
 #include "ZQUtilPersistence.h"
 #include "ZQUtilTrace.h"
+#include "light_sensor.h"
 #include "zq_ini.h"
+#include "zq_thread.h"
 
 std::atomic<bool> bAutoMode = false;
+std::atomic<bool> exiting = false;
+std::atomic<int32_t> ZQScreenInstanceCount = 0;
 
-ZQScreen::ZQScreen(bool /*startSensor*/, int32_t brightness_, int32_t contrast_)
+namespace {
+
+constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQScreen";
+
+void StartLightSensor(ZQScreen* screen) {
+  const uint32_t thread = zq__beginthread(threadAutoScreenDim, screen, nullptr, kSourceTag, __LINE__);
+  // Handle 0 would name the thread that runs here.
+  if (thread != 0) zq_ThreadSetName(thread, "Light Sensor Thread");
+}
+
+}  // namespace
+
+ZQScreen::ZQScreen(bool startSensor, int32_t brightness_, int32_t contrast_)
     : brightness(brightness_), contrast(contrast_) {
   ZQUTIL_TRACE("ZQUtil Setting Brightness to %d\n", brightness_);
   ZQUTIL_TRACE("ZQUtil Setting Contrast to %d\n", contrast_);
   bAutoMode = zq_GetINIFileAffirmative(kConfigSection, "autolight", "false", kSettingsFile);
+  exiting = false;
+  if (!startSensor) return;
+  sensorState = 0;
+  startBrightness = brightness_;
+  ZQUTIL_TRACE("Spawning Light Sensor Thread\n");
+  sharesSensor = true;
+  if (++ZQScreenInstanceCount == 1) StartLightSensor(this);
+}
+
+ZQScreen::~ZQScreen() {
+  // One that never asked for the thread must not end it for those that did.
+  if (sharesSensor && --ZQScreenInstanceCount == 0) exiting = true;
 }
 
 int32_t ZQScreen::getBrightness() const {

@@ -8,13 +8,22 @@
 #include "module_api.h"
 
 // Automatic dimming is on. Written on the script thread, polled by the light-sensor thread.
-extern std::atomic<bool> bAutoMode;
+ZQUTIL_API extern std::atomic<bool> bAutoMode;
+// The light-sensor thread is to end. Set when the last screen goes, cleared by each new one.
+ZQUTIL_API extern std::atomic<bool> exiting;
+// Screens that asked for the light-sensor thread; the first one starts it.
+ZQUTIL_API extern std::atomic<int32_t> ZQScreenInstanceCount;
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int32_t>::is_always_lock_free);
 
 // Set on the script thread, read by the queue thread when it saves them.
 class ZQUTIL_API ZQScreen {
  public:
   // Brightness as stored (scripts use 0 to 100), contrast in board units (16 to 30).
   ZQScreen(bool startSensor, int32_t brightness, int32_t contrast);
+  ZQScreen(const ZQScreen&) = delete;
+  ZQScreen& operator=(const ZQScreen&) = delete;
+  // Returns at once; the light-sensor thread ends in its own time.
+  ~ZQScreen();
 
   int32_t getBrightness() const;
   // Schedules a save, which also sets the backlight.
@@ -31,6 +40,10 @@ class ZQUTIL_API ZQScreen {
  private:
   std::atomic<int32_t> brightness;
   std::atomic<int32_t> contrast;
+  // As of the start of the light-sensor thread; kept for those who debug it.
+  int32_t startBrightness = 0;
+  int32_t sensorState = 0;
+  bool sharesSensor = false;
 };
 
 #endif
