@@ -30,11 +30,15 @@ class ModuleTest : public testing::Test {
   // MM_TermWrapper and MM_Unload after dropping what is left.
   void Unload();
 
+  // Moves the clock until no light-sensor thread is left. Every screen must be gone.
+  void EndLightSensor();
+
   // Returns when the module has nothing left to do at this instant: queue idle, settings written.
   static void Settle();
   // Forgets the traces so far.
   void ForgetTraces() { traceStart_ = trace.Texts().size(); }
-  // The traces since ForgetTraces, each with its line break.
+  // The traces since ForgetTraces, each with its line break; without those of the light-sensor thread, which
+  // come when they like.
   std::string Traces() const;
 
   // Posts to the living singleton's queue. False when it refuses.
