@@ -1,12 +1,13 @@
 #include "ConfigWriteRecord.h"
 
+#include <cstring>
 #include <new>
 
 #include "zq_memory.h"
 
 namespace {
 
-constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtil";
+constexpr char kSourceTag[] = "class_modules/ZQUtil/ConfigWriteRecord";
 
 std::atomic<ConfigWriteRecord*> g_last = nullptr;
 
@@ -41,11 +42,21 @@ ConfigWriteRecord* NewConfigWriteRecord(const char* section, const char* key, co
   return record;
 }
 
-void AwaitTurn(const ConfigWriteRecord& record) {
+bool AwaitTurn(ConfigWriteRecord& record) {
   if (record.before != nullptr) record.before->done.wait(0);
+  uint32_t waits = kWriteWaits;
+  return record.state.compare_exchange_strong(waits, kWriteBegun);
 }
 
 void PassTurn(ConfigWriteRecord& record) {
   record.done = 1;
   record.done.notify_all();
+}
+
+void DropConfigWrites(const char* file) {
+  for (ConfigWriteRecord* record = g_last; record != nullptr && record->done == 0; record = record->before) {
+    if (std::strcmp(record->file, file) != 0) continue;
+    uint32_t waits = kWriteWaits;
+    if (!record->state.compare_exchange_strong(waits, kWriteDropped)) record->done.wait(0);
+  }
 }

@@ -16,15 +16,22 @@ struct ConfigWriteRecord {
   char* stringValue;  // null: intValue is written
   int32_t intValue;
   char* file;
-  ConfigWriteRecord* before;   // the write that goes first, or null
-  std::atomic<uint32_t> done;  // 1 when the write was tried
+  ConfigWriteRecord* before;    // the write that goes first, or null
+  std::atomic<uint32_t> state;  // ConfigWriteState
+  std::atomic<uint32_t> done;   // 1 when the write was tried, or dropped
 };
+
+enum ConfigWriteState : uint32_t { kWriteWaits, kWriteBegun, kWriteDropped };
 
 // A record with copies of the texts, next in turn; null when there is no memory. Any thread. The caller sees
 // to it that PassTurn is called for it.
 ConfigWriteRecord* NewConfigWriteRecord(const char* section, const char* key, const char* stringValue,
                                         int32_t intValue, const char* file);
-void AwaitTurn(const ConfigWriteRecord& record);
+// Waits for the writes before it. False when the write was dropped meanwhile.
+bool AwaitTurn(ConfigWriteRecord& record);
 void PassTurn(ConfigWriteRecord& record);
+// The file is about to be removed: drops the writes to it that have not begun and waits for one that has, so that none
+// brings it back. Any thread.
+void DropConfigWrites(const char* file);
 
 #endif

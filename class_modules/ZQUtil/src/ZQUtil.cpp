@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+#include <limits>
+
 #include "ZQDateTime.h"
 #include "ZQNetwork.h"
 #include "ZQScreen.h"
@@ -17,7 +19,7 @@
 #include "zqwww.h"
 
 std::atomic<int> ZQUtilTraceInstance = 0;
-int32_t ZQUtilInstanceCount = 0;
+std::atomic<int32_t> ZQUtilInstanceCount = 0;
 std::atomic<uint32_t> ZQUtilMsgQHandle = 0;
 
 ZQUtil* ZQUtil::m_pInstance = nullptr;
@@ -26,6 +28,8 @@ std::atomic<int32_t> ZQUtil::softwareUpdateCheckTime = 1800000;
 namespace {
 
 constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtil";
+// In place of the count while the singleton is being destroyed.
+constexpr int32_t kEnding = std::numeric_limits<int32_t>::min();
 constexpr char kDeviceManagementLibrary[] = "/brimvale/sorel/libzqdms.so";
 
 int32_t Setting(const char* key, int32_t fallback) {
@@ -47,23 +51,30 @@ void TraceVolumeInfo() {
 }  // namespace
 
 ZQUtil* ZQUtil::Instance() {
-  ++ZQUtilInstanceCount;
+  int32_t count = ZQUtilInstanceCount;
+  do {
+    if (count == kEnding) return nullptr;
+  } while (!ZQUtilInstanceCount.compare_exchange_weak(count, count + 1));
   if (m_pInstance == nullptr) m_pInstance = new ZQUtil;
-  if (ZQUtilTraceInstance != 0) ZQUTIL_TRACE("Creating ZQUtil Instance, count is %d\n", ZQUtilInstanceCount);
+  if (ZQUtilTraceInstance != 0) ZQUTIL_TRACE("Creating ZQUtil Instance, count is %d\n", count + 1);
   return m_pInstance;
 }
 
 void ZQUtil::Dereference() {
-  --ZQUtilInstanceCount;
-  if (ZQUtilTraceInstance != 0)
-    ZQUTIL_TRACE("Destroying ZQUtil Instance, count is %d\n", ZQUtilInstanceCount);
-  if (ZQUtilInstanceCount > 0) return;
+  int32_t count = --ZQUtilInstanceCount;
+  if (ZQUtilTraceInstance != 0) ZQUTIL_TRACE("Destroying ZQUtil Instance, count is %d\n", count);
+  if (count > 0) return;
+  // Unless a listener's script on the queue thread has just taken a share.
+  if (!ZQUtilInstanceCount.compare_exchange_strong(count, kEnding)) return;
   delete m_pInstance;
   m_pInstance = nullptr;
+  ZQUtilInstanceCount = count;
 }
 
 ZQUtil::ZQUtil() : zq_MsgQ(nullptr, nullptr) {
   zqwww_init();
+  // What a singleton before this one has set is on its way to the file that is read now.
+  AwaitConfigWrites();
 
   const int32_t boardContrast = Setting("contrast", 17);
   const int32_t phoneVolume = Setting("phoneVolume", 75);
@@ -99,8 +110,8 @@ ZQUtil::ZQUtil() : zq_MsgQ(nullptr, nullptr) {
 
 ZQUtil::~ZQUtil() {
   ZQUTIL_TRACE("ZQUtil Destructor Begin\n");
-  // What was posted is still carried out, with the parts that it needs in place; after this no handler runs
-  // that could meet a part that is gone.
+  // What was posted until now is still carried out, with the parts that it needs in place. After this no handler
+  // runs that could meet a part that is gone, and posts are refused.
   Drain();
   ReleaseSoftwareUpdateList();
   delete network;
@@ -122,10 +133,22 @@ bool PostToModule(uint32_t type, uintptr_t param) {
   return zq__MsgCreateCommonAndSend(queue, queue, type, 0, param, 0, false, 2, kSourceTag, __LINE__);
 }
 
+namespace {
+
+int32_t FinalizeNothing(void* /*self*/) {
+  return 1;
+}
+
+}  // namespace
+
 int32_t ZQUtil_constructor(void* self, uint32_t /*argc*/, zq_Value* /*argv*/, zq_Value* rval) {
   engine::HostLog("ZQUtil Constructor start\n");
   if (const auto setFinalizer = engine::SetFinalizer()) setFinalizer(self, ZQUtil_finalizer);
   void* singleton = ZQUtil::Instance();
+  if (singleton == nullptr) {
+    if (const auto setFinalizer = engine::SetFinalizer()) setFinalizer(self, FinalizeNothing);
+    return 0;
+  }
   if (const auto setPrivate = engine::SetPrivate()) setPrivate(self, &singleton);
   if (rval != nullptr) *rval = reinterpret_cast<zq_Value>(self);
   engine::HostLog("ZQUtil Constructor end\n");

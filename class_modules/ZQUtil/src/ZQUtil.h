@@ -25,21 +25,23 @@ enum : uint32_t {
 
 // Timers of the module's queue.
 enum : uint32_t {
-  kTimerSoftwareUpdate =
-      1,  // shared by the update check and the connectivity check: both lead to the same check
+  // Shared by the update check and the connectivity check: both lead to the same check.
+  kTimerSoftwareUpdate = 1,
   kTimerNetworkStatus = 2,
   kTimerTimeDrift = 3
 };
 
-// Script objects that share the singleton. Script thread only.
-extern int32_t ZQUtilInstanceCount;
+// Script objects that share the singleton.
+extern std::atomic<int32_t> ZQUtilInstanceCount;
 // The queue of the living singleton, set when the queue has started. After the singleton's end it names a
 // queue that is gone, which posts and timers refuse.
 extern std::atomic<uint32_t> ZQUtilMsgQHandle;
 
 class ZQUTIL_API ZQUtil : public zq_MsgQ {
  public:
-  // The singleton, built by the first call; every call counts one sharer more. Script thread only.
+  // The singleton, built by the first call; every call counts one sharer more. Script thread, or a listener's script
+  // on a thread of the module. Null, and nothing counted, while the last finalizer destroys the singleton on the
+  // script thread: the module begins again when that is done.
   static ZQUtil* Instance();
   // One sharer less; the last one destroys the singleton. Script thread only.
   static void Dereference();
@@ -50,8 +52,8 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   // Queue thread only. Owns the message.
   void MessageHandler(MSG_COMMON* message) override;
 
-  // Deferred persistence (ZQUtilPersistence.cpp). They copy their arguments and return without touching the
-  // disk; any thread.
+  // Deferred persistence (ZQUtilPersistence.cpp). They copy their arguments and
+  // leave the disk to other threads. Any thread.
   static void my_WriteINIFileString(const char* section, const char* key, const char* value,
                                     const char* file);
   static void my_WriteINIFileInt(const char* section, const char* key, int32_t value, const char* file);
@@ -109,8 +111,8 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   ZQScreen* screen = nullptr;
   ZQDateTime* dateTime = nullptr;
 
-  // Listener objects are the engine's, kept alive as properties of gLibObj. Written on the script thread,
-  // read on worker threads too.
+  // Listener objects are the engine's, kept alive as properties of gLibObj. Set on the script thread,
+  // read, and the scan's cleared, on worker threads.
   std::atomic<void*> aboutListener = nullptr;
   // Entry point of the application-log library, or null.
   int32_t (*appLogActivity)(const char* application, const char* action, const char* detail) = nullptr;
@@ -129,16 +131,16 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   static std::atomic<int32_t> softwareUpdateCheckTime;
 
  private:
-  void OnQueueStarted();
-  void OnTimer(uint32_t id, uintptr_t param);
-  void OnSoftwareUpdateTimer();
-  void OnNetworkStatusTimer(uintptr_t param);
-  void OnTimeDriftTimer();
-  void OnConnectSuccess(uint32_t socket);
-  void OnConnectFailure(uint32_t socket);
-  void OnBackgroundScan();
-  void ReportConnectivity(const char* trace, const char* method);
-  void SaveConfig(int32_t kind);
+  ZQUTIL_HIDDEN void OnQueueStarted();
+  ZQUTIL_HIDDEN void OnTimer(uint32_t id, uintptr_t param);
+  ZQUTIL_HIDDEN void OnSoftwareUpdateTimer();
+  ZQUTIL_HIDDEN void OnNetworkStatusTimer(uintptr_t param);
+  ZQUTIL_HIDDEN void OnTimeDriftTimer();
+  ZQUTIL_HIDDEN void OnConnectSuccess(uint32_t socket);
+  ZQUTIL_HIDDEN void OnConnectFailure(uint32_t socket);
+  ZQUTIL_HIDDEN void OnBackgroundScan();
+  ZQUTIL_HIDDEN void ReportConnectivity(const char* trace, const char* method);
+  ZQUTIL_HIDDEN void SaveConfig(int32_t kind);
 };
 
 // Posts a message of the module to its own queue. False when there is no queue: what the parameter points to

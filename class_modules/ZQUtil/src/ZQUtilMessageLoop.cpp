@@ -1,6 +1,6 @@
-// The queue thread's side of the singleton: every message, timer expiry and socket notice comes through here,
-// one at a time. Listeners are called from here without entering the engine first: the host lets this thread
-// in call by call.
+// The queue thread's side of the singleton: every message, timer expiry and socket notice comes through here, one at a
+// time. Listeners are called from here without BeginRequest and EndRequest: each is a single call, which the engine
+// takes from any thread.
 #include "TimeDrift.h"
 #include "ZQNetwork.h"
 #include "ZQSoftwareUpdate.h"
@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtil";
+constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtilMessageLoop";
 
 void CallListener(void* listener, const char* method) {
   const auto callMethod = engine::CallMethod();
@@ -49,8 +49,7 @@ void ZQUtil::MessageHandler(MSG_COMMON* message) {
       newInterfaces = true;
       break;
     case kMsgNVRAMWrite:
-      // A store that cannot be opened keeps record and message: whoever tends a device finds in a memory
-      // image what was never stored.
+      // A store that cannot be opened ends the write: record and message stay as they are, and nobody tries again.
       if (!WriteNVRAMRecord(reinterpret_cast<NVRAMWriteRecord*>(message->param2))) return;
       break;
     case kMsgConfigWrite:
@@ -60,7 +59,7 @@ void ZQUtil::MessageHandler(MSG_COMMON* message) {
       OnBackgroundScan();
       break;
     case kMsgHttpObjectDone:
-      // Here and nowhere else: the worker that used the object may still stand in one of its calls.
+      // On this thread, and never from the object's own callback on the library's thread.
       ZQUTIL_TRACE("ZQUtil Destroying an http object\n");
       delete reinterpret_cast<HTTP*>(message->param2);
       ZQUTIL_TRACE("ZQUtil Done destroying http object\n");

@@ -1,10 +1,10 @@
 // The method table of the script class, said once: script name, declared argument count, wrapper, member.
 //
-// METHOD(script name, declared, member)       wrapper ZQUtil_<member> calls ZQUtil::<member> with its own
-// arguments FUNCTION(script name, declared, function)   the exported function itself, which uses no singleton
+// METHOD(script name, declared, member)      the wrapper ZQUtil_<member> calls ZQUtil::<member>
+// FUNCTION(script name, declared, function)  the exported function itself is registered
 //
-// Scripts rely on the names letter for letter, the irregular ones included, and on nothing else: the engine
-// does not enforce the declared counts, each method checks its arguments itself.
+// Scripts rely on the names letter for letter, the irregular ones included. The declared counts only inform: the
+// engine does not enforce them, each method checks its arguments itself.
 #ifndef ZQUTIL_METHOD_TABLE_H
 #define ZQUTIL_METHOD_TABLE_H
 

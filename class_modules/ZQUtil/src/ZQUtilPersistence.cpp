@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtil";
+constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtilPersistence";
 constexpr uint32_t kAwaitWritesMs = 10000;
 
 void Begin(ConfigWriteRecord* record) {
@@ -22,6 +22,18 @@ void Begin(ConfigWriteRecord* record) {
   if (zq__beginthread(threadConfigWrite, record, nullptr, kSourceTag, __LINE__) != 0) return;
   // The system starts no more threads: better a caller that waits for the disk than a setting that is lost.
   threadConfigWrite(record);
+}
+
+void Write(const ConfigWriteRecord& record) {
+  if (record.stringValue == nullptr) {
+    ZQUTIL_TRACE("Writing INI FIle Int %s, %s, %i, %s\n", record.section, record.key, record.intValue,
+                 record.file);
+    zq_WriteINIFileInt(record.section, record.key, record.intValue, record.file, true);
+  } else {
+    ZQUTIL_TRACE("Writing INI FIle String %s, %s, %s, %s\n", record.section, record.key, record.stringValue,
+                 record.file);
+    zq_WriteINIFileString(record.section, record.key, record.stringValue, record.file, true);
+  }
 }
 
 void FreeNVRAMRecord(NVRAMWriteRecord* record) {
@@ -57,24 +69,14 @@ void ZQUtil::my_WriteINIFileInt(const char* section, const char* key, int32_t va
 int32_t threadConfigWrite(void* argument) {
   auto* record = static_cast<ConfigWriteRecord*>(argument);
   if (record == nullptr) return 1;
-  AwaitTurn(*record);
-  if (record->stringValue == nullptr) {
-    ZQUTIL_TRACE("Writing INI FIle Int %s, %s, %i, %s\n", record->section, record->key, record->intValue,
-                 record->file);
-    zq_WriteINIFileInt(record->section, record->key, record->intValue, record->file, true);
-  } else {
-    ZQUTIL_TRACE("Writing INI FIle String %s, %s, %s, %s\n", record->section, record->key,
-                 record->stringValue, record->file);
-    zq_WriteINIFileString(record->section, record->key, record->stringValue, record->file, true);
-  }
+  if (AwaitTurn(*record)) Write(*record);
   PassTurn(*record);
   return 1;
 }
 
 void AwaitConfigWrites() {
   if (zq_ThreadAwaitEnd(threadConfigWrite, kAwaitWritesMs)) return;
-  zq_Trace(ZQUtilTraceInstance, ZQ_TRACE_FAILURE, 1, true,
-           "ZQUtil settings writes did not end within %u ms\n", kAwaitWritesMs);
+  ZQUTIL_TRACE("ZQUtil settings writes did not end within %u ms\n", kAwaitWritesMs);
 }
 
 int my_nvram_write_key(int handle, void* reserved, const char* key, const char* value) {

@@ -1,10 +1,10 @@
-// Deferred persistence: the script thread never waits for the device's flash.
+// Deferred persistence: the script thread does not wait for the device's flash. (One exception: when the system
+// starts no more threads, a settings write is done by whoever asks for it, rather than lost.)
 //
 //   settings file   my_WriteINIFileString/Int -> a thread for each write (threadConfigWrite)
 //   key store       AsyncNVRAMWrite -> message 0x10007 -> the queue thread writes
-//   hardware value  AsyncConfigWrite -> message 0x10008 -> the queue thread reads the value back, writes it
-//   to the
-//                   settings file by the first way, and applies brightness and volumes to the hardware
+//   hardware value  AsyncConfigWrite -> message 0x10008 -> the queue thread reads the value back,
+//                   writes it to the settings file by the first way, and sets the backlight
 #ifndef ZQUTIL_PERSISTENCE_H
 #define ZQUTIL_PERSISTENCE_H
 
@@ -50,8 +50,8 @@ void SaveVolumes(ZQAudioVolume& volumes);
 // To the settings file and to the backlight.
 void SaveBrightness(ZQScreen& screen);
 
-// Waits until the settings writes that were begun are done; gives up, with a trace, after ten seconds: a dead
-// disk must not hold the host's end for ever.
+// Waits until the settings writes that were begun are done; gives up, with a trace, after ten seconds: a host that
+// ends, or begins again, does not wait for ever for a disk that is dead.
 void AwaitConfigWrites();
 
 #endif

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <memory>
 
+#include "ConfigWriteRecord.h"
 #include "ZQUtil.h"
 #include "ZQUtilPersistence.h"
 #include "ZQUtilTrace.h"
@@ -14,7 +15,7 @@
 
 namespace {
 
-constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtil";
+constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtilSettings";
 constexpr size_t kSettingLimit = 1024;
 
 struct Freed {
@@ -37,7 +38,7 @@ Text SettingsFileOf(const char* application) {
   return NameIn("%s.ini", application);
 }
 
-// The buffer is not given back: the file layer of a board may keep the name that it was handed.
+// The buffer is not given back: each call costs its path for the life of the process.
 const char* CachePathOf(const char* name) {
   return NameIn("./cache/%s", name).release();
 }
@@ -77,16 +78,18 @@ int32_t ZQUtil::SetIniSetting(void* /*self*/, uint32_t argc, zq_Value* argv, zq_
 }
 
 int32_t ZQUtil::DeleteIniFile(void* /*self*/, uint32_t argc, zq_Value* argv, zq_Value* /*rval*/) {
-  // Shares the setter's text: a trace shows both as a change of settings.
+  // The setter's text: both change an application's settings.
   ZQUTIL_TRACE("ZQUtil SetIniSetting\n");
   const ScriptArguments arguments(argc, argv);
-  // The second argument is not used, but scripts have always passed one.
+  // The second argument is required and not used.
   if (arguments.Count() != 2 || !arguments.AllPresent(2)) return 0;
   const char* const application = arguments.Text(0);
   if (application == nullptr) return 1;
   const Text file = SettingsFileOf(application);
   char path[4096];
-  if (file != nullptr && zq_INIFilePath(file.get(), path, sizeof path)) zq_RemoveFile(path, true);
+  if (file == nullptr || !zq_INIFilePath(file.get(), path, sizeof path)) return 1;
+  DropConfigWrites(file.get());
+  zq_RemoveFile(path, true);
   return 1;
 }
 

@@ -21,6 +21,5 @@ int32_t ZQUtil::SetFirstTime(void* /*self*/, uint32_t argc, zq_Value* argv, zq_V
 }
 
 void ZQUtil::HandleNetworkCheckTimer() {
-  // Only a network restart arms the timer that steps the monitor, and there is no setter yet that restarts
-  // it.
+  // Nothing restarts the network yet, so the timer that steps the monitor is never armed.
 }

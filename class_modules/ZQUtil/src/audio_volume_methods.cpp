@@ -79,7 +79,7 @@ int32_t ZQUtil::MuteMic(void* /*self*/, uint32_t /*argc*/, zq_Value* /*argv*/, z
 }
 
 int32_t ZQUtil::UnmuteMic(void* /*self*/, uint32_t /*argc*/, zq_Value* /*argv*/, zq_Value* /*rval*/) {
-  // The text is spelled so; whoever searches old traces searches for it.
+  // The text is spelled so.
   ZQUTIL_TRACE("ZQUtil GUI Call to UnuteMic\n");
   if (audioVolume != nullptr) audioVolume->UnmuteMic();
   return 1;

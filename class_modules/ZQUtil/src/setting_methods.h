@@ -18,7 +18,8 @@ struct SettingRange {
 
 constexpr SettingRange kPercent{0, 100};
 
-// The first argument as a number of the range, as its text says; text that is no number counts as 0. Nothing
+// The first argument as a number of the range, as its text says; text that is no number counts
+// as 0, which the range may raise. Nothing
 // when the argument is missing or cannot be text.
 std::optional<int32_t> NumberArgument(uint32_t argc, const zq_Value* argv, SettingRange range);
 // The decimal text of a number, as long as the object lives.

@@ -2,6 +2,7 @@
 // module lives on.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <map>
 
@@ -97,6 +98,7 @@ TEST_P(MissingServiceTest, EveryMethodEndsAsItPromises) {
   const zq_EngineSlot missing = GetParam();
   engine.Remove(missing);
   Load();
+  engine.TakeLog();
   if (missing == ZQ_SLOT_DEFINE_METHOD || missing == ZQ_SLOT_CLASS_OBJECT) {
     EXPECT_TRUE(engine.ClassObject().methodOrder.empty());
     return;
@@ -113,6 +115,17 @@ TEST_P(MissingServiceTest, EveryMethodEndsAsItPromises) {
   if (missing == ZQ_SLOT_VALUE_TO_STRING) {
     EXPECT_EQ(engine.Answer(util, "utf8Encode", {S("a")}), "<void>");
     EXPECT_EQ(engine.Answer(util, "getIniSetting", {S("a"), S("b")}), "<void>");
+    std::string answers;
+    for (const char* getter :
+         {"getPhoneVolume", "getMicVolume", "getBrightness", "getContrast", "getDimMode", "getFirstTime"}) {
+      answers += engine.Answer(util, getter) + " ";
+    }
+    EXPECT_EQ(answers, "75 50 100 2 FALSE No ") << "no setter set anything";
+    EXPECT_TRUE(std::filesystem::is_empty("cache"));
+    EXPECT_FALSE(std::filesystem::exists("text.ini"));
+  }
+  if (missing == ZQ_SLOT_HOST_LOG) {
+    EXPECT_EQ(engine.TakeLog(), "");
   }
   // Listeners without the services that call them.
   ZQUtil& singleton = *ZQUtil::m_pInstance;

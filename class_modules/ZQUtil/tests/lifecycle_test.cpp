@@ -1,15 +1,25 @@
 // The singleton's life: built by the first script object, shared by all, gone with the last.
-#include <cstdio>
+#include <unistd.h>
+
 #include <filesystem>
 
+#include "ZQDateTime.h"
+#include "ZQNetwork.h"
 #include "ZQScreen.h"
 #include "audio_volume.h"
+#include "fault.h"
 #include "module_fixture.h"
+#include "zq_file.h"
 #include "zq_timer.h"
 
 namespace {
 
 class LifecycleTest : public ModuleTest {
+ public:
+  // For listeners, which are plain functions.
+  using ModuleTest::engine;
+  using ModuleTest::trace;
+
  protected:
   // Whether the update timer's expiry starts no check.
   bool UpdateChecksHeldBack() {
@@ -68,15 +78,117 @@ TEST_F(LifecycleTest, TracesItsConstructionInOrder) {
 }
 
 TEST_F(LifecycleTest, TracesTheVolumesRoomInBytesOf32Bits) {
-  New();
+  // The volume's room may change between the two looks, so a few are allowed.
   bool found = false;
-  for (const std::string& text : trace.Texts()) {
-    int free = 0;
-    int available = 0;
-    found = found || std::sscanf(text.c_str(), "Volume Info: %d bytes free, %d bytes available", &free,
-                                 &available) == 2;
+  for (int look = 0; look < 20 && !found; ++look) {
+    uint32_t freeKb = 0;
+    uint32_t availableKb = 0;
+    ASSERT_TRUE(zq_GetVolumeInfo("/media", &freeKb, &availableKb));
+    const std::string expected = "Volume Info: " + std::to_string(static_cast<int32_t>(freeKb * 1024U)) +
+                                 " bytes free, " + std::to_string(static_cast<int32_t>(availableKb * 1024U)) +
+                                 " bytes available";
+    Drop(New());
+    found = trace.Has(expected);
   }
   EXPECT_TRUE(found);
+}
+
+TEST_F(LifecycleTest, WhatOneSingletonSetTheNextOneFinds) {
+  Object& first = New();
+  Settle();
+  {
+    const Fault slow(OnThisMachine(""), "fsync:all:stall:100");
+    engine.Answer(first, "setBrightness", {N(50)});
+    engine.Answer(first, "setMicVolume", {N(7)});
+    engine.Answer(first, "setContrast", {N(9)});
+    Drop(first);
+    Object& second = New();
+    EXPECT_EQ(engine.Answer(second, "getBrightness"), "50");
+    EXPECT_EQ(engine.Answer(second, "getMicVolume"), "7");
+    EXPECT_EQ(engine.Answer(second, "getContrast"), "9");
+    Settle();
+  }
+  EXPECT_EQ(StoredSetting("brightness"), "50");
+  EXPECT_EQ(ReadFile("/proc/blctrl"), "50");
+}
+
+TEST_F(LifecycleTest, TheQueueTakesBrightnessFirstAndThenTheVolumes) {
+  New();
+  Settle();
+  const std::string all = Traces();
+  EXPECT_LT(all.find("ZQUtil Asynchronous config write (2)\n"),
+            all.find("ZQUtil Asynchronous config write (1)\n"));
+  EXPECT_NE(all.find("ZQUtil Asynchronous config write (1)\n"), std::string::npos);
+}
+
+TEST_F(LifecycleTest, AFreshSingletonStartsWithEmptyHands) {
+  for (int life = 0; life < 2; ++life) {
+    Object& object = New();
+    ZQUtil& singleton = *ZQUtil::m_pInstance;
+    EXPECT_EQ(singleton.aboutListener, nullptr);
+    EXPECT_EQ(singleton.appLogActivity, nullptr);
+    EXPECT_EQ(singleton.connectivityListener, nullptr);
+    EXPECT_FALSE(singleton.connectivityReported);
+    EXPECT_EQ(singleton.getessidListener, nullptr);
+    EXPECT_EQ(singleton.interfaceWaits, 0);
+    singleton.aboutListener = singleton.connectivityListener = singleton.getessidListener = &object;
+    singleton.connectivityReported = true;
+    singleton.interfaceWaits = 5;
+    Drop(object);
+  }
+}
+
+TEST_F(LifecycleTest, EndsWithoutTheParts) {
+  Object& object = New();
+  Settle();
+  ZQUtil& singleton = *ZQUtil::m_pInstance;
+  delete std::exchange(singleton.network, nullptr);
+  delete std::exchange(singleton.audioVolume, nullptr);
+  delete std::exchange(singleton.screen, nullptr);
+  delete std::exchange(singleton.dateTime, nullptr);
+  Drop(object);
+  EXPECT_EQ(trace.Texts().back(), "ZQUtil Destructor End");
+}
+
+TEST_F(LifecycleTest, OneDereferenceTooManyDoesNoHarm) {
+  Drop(New());
+  ZQUtil::Dereference();
+  EXPECT_EQ(ZQUtil::m_pInstance, nullptr);
+  ZQUtil::Instance();
+  EXPECT_NE(ZQUtil::m_pInstance, nullptr) << "built, though the count is 0";
+  ZQUtil::Dereference();
+  EXPECT_EQ(ZQUtil::m_pInstance, nullptr);
+  ZQUtil::Instance();  // and the count is as it was for the tests that follow
+  ZQUtil::Instance();
+  ZQUtil::Dereference();
+}
+
+// A listener's script that runs on the queue thread while the last object goes.
+TEST_F(LifecycleTest, AnObjectConstructedWhileTheSingletonGoesIsRefusedAndHarmless) {
+  static LifecycleTest* test;
+  static std::atomic<int32_t> constructed;
+  static std::atomic<bool> listening;
+  test = this;
+  constructed = -1;
+  listening = false;
+  engine.Table()[ZQ_SLOT_CALL_METHOD] =
+      reinterpret_cast<uintptr_t>(+[](void*, const char*, uint32_t, zq_Value*, zq_Value*) -> int32_t {
+        listening = true;
+        while (!test->trace.Has("ZQUtil Destructor Begin")) usleep(1000);
+        int32_t handled = 0;
+        Object& late = test->engine.Construct(&handled);
+        BareEngine::Finalize(late);
+        constructed = handled;
+        return 1;
+      });
+  Object& object = New();
+  ZQUtil::m_pInstance->connectivityListener = &engine.NewObject();
+  PostToQueue(kMsgUpdateServerReached, 0);
+  while (!listening) usleep(1000);
+  Drop(object);
+  EXPECT_EQ(constructed, 0);
+  EXPECT_EQ(ZQUtil::m_pInstance, nullptr);
+  EXPECT_EQ(engine.Answer(New(), "isTablet"), "no") << "and the module begins again";
 }
 
 TEST_F(LifecycleTest, TracesItsEnd) {
@@ -200,12 +312,15 @@ TEST_F(LifecycleTest, ConstructsAndEndsAHundredTimesWithoutLosingAWrite) {
   }
   Unload();
   EXPECT_EQ(StoredSetting("brightness"), "0");
+  EXPECT_EQ(trace.Texts().back(), "ZQUtil Destructor End");
+  EXPECT_EQ(trace.Lines().back().name, "zqutil") << "each life gave its trace instance back";
 }
 
 TEST_F(LifecycleTest, ItsQueueRefusesPostsAndTimersAfterItsEnd) {
   Object& object = New();
   const uint32_t queue = ZQUtil::m_pInstance->Handle();
   Drop(object);
+  Settle();
   EXPECT_EQ(zq_TimerSet(queue, 1, 1, 0, 0, 0, "late", false), 0);
   ForgetTraces();
   ZQUtil::AsyncNVRAMWrite("net.firsttime", "late");

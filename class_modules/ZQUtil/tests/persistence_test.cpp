@@ -3,11 +3,13 @@
 #include <sys/resource.h>
 
 #include <filesystem>
+#include <latch>
 #include <thread>
 
 #include "ZQScreen.h"
 #include "ZQUtilPersistence.h"
 #include "audio_volume.h"
+#include "fault.h"
 #include "module_fixture.h"
 #include "nvram.h"
 #include "zq_thread.h"
@@ -69,14 +71,13 @@ TEST_F(PersistenceTest, AContrastWriteTouchesNothingElse) {
   EXPECT_EQ(ReadFile("/proc/blctrl"), "before");
 }
 
-TEST_F(PersistenceTest, AVolumeWriteStoresAllThree) {
+TEST_F(PersistenceTest, AVolumeWriteStoresAllThreeInTheirOrder) {
   Start();
   Singleton().audioVolume->setMicVolume(7);
   Settle();
-  EXPECT_EQ(StoredSetting("phoneVolume"), "75");
-  EXPECT_EQ(StoredSetting("mediaVolume"), "75");
-  EXPECT_EQ(StoredSetting("micVolume"), "7");
+  EXPECT_EQ(ReadFile("zqutil.ini"), "[config]\nphoneVolume=75\nmediaVolume=75\nmicVolume=7\n");
   EXPECT_EQ(ReadFile("/proc/blctrl"), "before");
+  EXPECT_NE(Traces().find("ZQUtil Asynchronous config write (1)\n"), std::string::npos);
 }
 
 TEST_F(PersistenceTest, AnUnknownKindOnlyTraces) {
@@ -86,6 +87,7 @@ TEST_F(PersistenceTest, AnUnknownKindOnlyTraces) {
   EXPECT_EQ(Traces(),
             "ZQUtil Asynchronous config write (4)\nZQUtil Asynchronous config write (0)\n"
             "ZQUtil Asynchronous config write (-1)\n");
+  EXPECT_EQ(ReadFile("/proc/blctrl"), "before");
   EXPECT_FALSE(fs::exists("zqutil.ini"));
 }
 
@@ -160,15 +162,26 @@ TEST_F(PersistenceTest, ManyThreadsLoseNoSetting) {
 
 TEST_F(PersistenceTest, WritesGoOnWhenTheSystemStartsNoMoreThreads) {
   Start();
+  // Stacks of threads that have ended would serve again: as many threads as there could be such stacks are kept.
+  std::latch end(1);
+  std::vector<std::thread> kept;
+  for (int i = 0; i < 64; ++i) kept.emplace_back([&end] { end.wait(); });
   rlimit before = {};
   getrlimit(RLIMIT_AS, &before);
-  // No room for another thread's stack.
-  const rlimit tight = {1, before.rlim_max};
+  const rlimit tight = {1, before.rlim_max};  // no room for another stack
   setrlimit(RLIMIT_AS, &tight);
   ZQUtil::my_WriteINIFileInt("config", "tight", 1, "tight.ini");
   setrlimit(RLIMIT_AS, &before);
+  EXPECT_EQ(StoredSetting("tight", "tight.ini"), "1") << "written by the caller itself";
+  end.count_down();
+  for (std::thread& thread : kept) thread.join();
+}
+
+TEST_F(PersistenceTest, KeysAreStoredInTheOrderOfTheirPosts) {
+  Start();
+  for (int i = 0; i <= 20; ++i) ZQUtil::AsyncNVRAMWrite("order", std::to_string(i).c_str());
   Settle();
-  EXPECT_EQ(StoredSetting("tight", "tight.ini"), "1");
+  EXPECT_EQ(StoredKey("order"), "20");
 }
 
 TEST_F(PersistenceTest, AKeyIsStoredByTheQueue) {
@@ -185,6 +198,7 @@ TEST_F(PersistenceTest, AClosedKeyStoreLosesTheWriteAndTheQueueGoesOn) {
     const ClosedKeyStore closed;
     ZQUtil::AsyncNVRAMWrite("net.firsttime", "Yes");
     Settle();
+    EXPECT_NE(Traces().find("ZQUtil Asynchronous NVRAM Write\n"), std::string::npos);
   }
   EXPECT_EQ(StoredKey("net.firsttime"), "<none>");
   ZQUtil::AsyncNVRAMWrite("net.firsttime", "No");
@@ -204,6 +218,7 @@ TEST_F(PersistenceTest, PassesKeyStoreWritesOnUnchanged) {
 
 TEST_F(PersistenceTest, TheModulesEndWaitsForWritesUnderWay) {
   Start();
+  const Fault slow(OnThisMachine(""), "fsync:all:stall:5");
   for (int i = 0; i < 50; ++i) ZQUtil::my_WriteINIFileInt("config", "end", i, "end.ini");
   Unload();
   EXPECT_EQ(StoredSetting("end", "end.ini"), "49");

@@ -1,5 +1,5 @@
 // The seam between a script engine's host and a class module: machine words, one table of services, one
-// native method signature, six entry points. Plain C, no code: hosts and modules share nothing else.
+// native method signature, entry points. Plain C, no code: hosts and modules share nothing else.
 #ifndef ZQ_ENGINE_H
 #define ZQ_ENGINE_H
 
@@ -12,9 +12,10 @@ extern "C" {
 // A script value is one machine word.
 //   void     ZQ_VALUE_VOID: no value, a missing argument
 //   null     ZQ_VALUE_NULL
-//   integer  ZQ_VALUE_FROM_INT(n): n shifted left by one with the low bit set, as a 32-bit word,
-//   zero-extended object   the object's handle, a pointer string   a pointer that the engine gave out
-//   (NewString), valid until the native method that got it returns
+//   integer  ZQ_VALUE_FROM_INT(n): n shifted left by one with the low bit set, a 32-bit word, zero-extended
+//   object   the object's handle, a pointer
+//   string   a pointer that the engine gave out (NewString): valid until the native method that got it returns,
+//            or, on a thread of a module's own, until its EndRequest
 typedef uintptr_t zq_Value;
 
 #define ZQ_VALUE_VOID ((zq_Value)0x80000001U)

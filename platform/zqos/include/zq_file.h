@@ -35,8 +35,8 @@ ZQ_API bool zq_RemoveFile(const char* path, bool settled);
 // Room of the volume that holds `path`, in KiB, limited to 32 bits: free in all, and available to users.
 ZQ_API bool zq_GetVolumeInfo(const char* path, uint32_t* freeKb, uint32_t* availableKb);
 
-// Loads a library, beside libzqos first when the name has no "/". Null, and the reason traced, when it cannot
-// be.
+// Loads a library, beside libzqos first when the name has no "/". Null when there is none, and,
+// with the reason in the trace, when it is broken.
 ZQ_API void* zq_LoadLibrary(const char* name);
 ZQ_API void* zq_GetProcAddress(void* library, const char* name);
 ZQ_API void zq_FreeLibrary(void* library);

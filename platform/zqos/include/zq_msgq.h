@@ -47,7 +47,7 @@ class ZQ_API zq_MsgQ {
   // the system gives no thread or descriptor. `name` null keeps the constructor's. `stackBytes` 0: the
   // default.
   bool Create(const char* name, uint32_t stackBytes);
-  // Handles what was posted until now, then no more: timers are disarmed, later posts stay unhandled. Returns
+  // Handles what was posted until now, then no more: timers are disarmed, later posts are refused. Returns
   // when the queue's thread is idle. What the handlers use may be taken down after that. Called from a
   // handler of this queue itself it returns at once.
   void Drain();
@@ -70,7 +70,7 @@ class ZQ_API zq_MsgQ {
 extern "C" {
 
 // Posts a message. `inFront`: ahead of what waits. `priority` is kept in the message. False, and nothing
-// posted, when the destination is gone or memory is out: pointers in the parameters stay the caller's.
+// posted, when the destination is gone, drained, or memory is out: pointers in the parameters stay the caller's.
 ZQ_API bool zq__MsgCreateCommonAndSend(uint32_t destination, uint32_t source, uint32_t type, uint32_t param1,
                                        uintptr_t param2, uintptr_t param3, bool inFront, uint32_t priority,
                                        const char* file, int line);

@@ -1,6 +1,8 @@
 #include <dlfcn.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <exception>
 #include <string>
 
@@ -25,15 +27,23 @@ std::string WhatToLoad(const std::string& name) {
   return !beside.empty() && access(beside.c_str(), F_OK) == 0 ? beside : name;
 }
 
+// A library that is not installed is no failure, callers have ways to do without; a broken one is, or one that lacks
+// another: that one's name leads the loader's text then.
+bool SaysMissing(const std::string& reason, const std::string& path) {
+  return reason.rfind(path + ":", 0) == 0 && reason.find(std::strerror(ENOENT)) != std::string::npos;
+}
+
 }  // namespace
 
 void* zq_LoadLibrary(const char* name) try {
   // An empty name would be the program itself.
   if (name == nullptr || *name == '\0') return nullptr;
-  void* library = dlopen(WhatToLoad(name).c_str(), RTLD_NOW | RTLD_LOCAL);
+  const std::string path = WhatToLoad(name);
+  void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr) {
     const char* reason = dlerror();
-    PlatformFailure("cannot load %s: %s", name, reason != nullptr ? reason : "unknown");
+    if (reason == nullptr) reason = "unknown";
+    if (!SaysMissing(reason, path)) PlatformFailure("cannot load %s: %s", name, reason);
   }
   return library;
 } catch (const std::exception&) {

@@ -6,7 +6,7 @@
 //      +-------------End----------------+
 //
 // running  posts and timers are taken and handled
-// quiet    what waited is handled; later posts are held unhandled, timers and sockets are refused
+// quiet    what waited is handled; later posts, timers and sockets are refused
 // closed   nothing is taken any more; what waited is handled or, with `discard_`, freed
 #ifndef ZQ_MSGQ_LOOP_H
 #define ZQ_MSGQ_LOOP_H

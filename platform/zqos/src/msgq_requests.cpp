@@ -57,7 +57,7 @@ bool MsgqLoop::Post(MSG_COMMON* message, bool inFront) {
   bool wake = false;
   {
     const std::lock_guard lock(mutex_);
-    if (closed_) return false;
+    if (closed_ || quiet_) return false;
     agenda_.Post(message, inFront, NowIfTimersArmed(), 0);
     wake = TakeWaiting();
   }

@@ -54,13 +54,11 @@ TEST(Library, IsLoadedByItsPath) {
   zq_FreeLibrary(library);
 }
 
-TEST(Library, ThatIsMissingIsNullAndTheReasonTraced) {
+TEST(Library, ThatIsNotInstalledIsNullAndNoFailure) {
   const TraceCapture trace;
   EXPECT_EQ(zq_LoadLibrary("libnot-here.so"), nullptr);
   EXPECT_EQ(zq_LoadLibrary("/nowhere/libnot-here.so"), nullptr);
-  ASSERT_EQ(trace.Texts().size(), 2U);
-  EXPECT_THAT(trace.Texts()[0],
-              testing::MatchesRegex("cannot load libnot-here.so: .*No such file or directory"));
+  EXPECT_TRUE(trace.Texts().empty());
 }
 
 TEST(Library, WithoutANameIsNotTheProgramItself) {

@@ -1,0 +1,25 @@
+#!/bin/sh
+# What the module exports is what others may rely on, and nothing else: entry points, wrappers, constructor and
+# finalizer, the text conversion, and the classes and free functions whose names are fixed.
+#   exports.sh ZQUtil.so
+set -eu
+strange=$(nm -D --defined-only "$1" | awk '{print $3}' | c++filt | grep -vE \
+  '^(MM_(Load|Unload|InitWrapper|TermWrapper|Init|Term)|ZQUtil_[A-Za-z0-9]+|iso_8859_1s_to_utf8s|bAutoMode|exiting|olddat|ZQScreenInstanceCount|alsaCtl)$' | grep -vE \
+  '^((typeinfo|vtable|typeinfo name) for )?(ZQUtil|ZQNetwork|ZQAudioVolume|ZQScreen|ZQDateTime)(::|$)' | grep -vE \
+  '^(threadConfigWrite|my_nvram_write_key|threadAutoScreenDim|setslaveadr|native_initialize|native_set_speaker_level)\(' ||
+  true)
+if [ -n "$strange" ]; then
+  printf 'exported, and nobody may rely on it:\n%s\n' "$strange" >&2
+  exit 1
+fi
+for name in MM_Load MM_Unload MM_InitWrapper MM_TermWrapper MM_Init MM_Term ZQUtil_constructor ZQUtil_finalizer \
+  ZQUtil_BatteryPct iso_8859_1s_to_utf8s; do
+  nm -D --defined-only "$1" | grep -q " T $name\$" || {
+    echo "not exported: $name" >&2
+    exit 1
+  }
+done
+if nm -D --defined-only "$1" | c++filt | grep -E 'ZQUtil::(On|Save|Report)[A-Z]'; then
+  echo "exported, though private" >&2
+  exit 1
+fi
