@@ -130,6 +130,9 @@ int Launch(const std::vector<std::string>& command, const fs::path& root, const 
   unsetenv("OLDPWD");
   // The device's own /etc/fw_env.config counts.
   unsetenv("ZQ_NVRAM_CONFIG");
+  // The device's sound card, whatever the machine has.
+  setenv("ALSA_CONFIG_PATH", places.sound.c_str(), 1);
+  setenv("ZQ_SIM_MIXER", places.mixer.c_str(), 1);
   if (chdir(root.c_str()) != 0) return Complain(root, strerror(errno), 1);
 
   std::vector<char*> arguments;

@@ -11,6 +11,8 @@ Places FindPlaces() {
   places.prefix = program.parent_path().parent_path();
   places.shim = places.prefix / "lib" / "libzqsim.so";
   if (!fs::exists(places.shim, error)) places.shim = places.prefix / ZQSIM_LIBRARY_FOLDER / "libzqsim.so";
+  places.mixer = places.shim.parent_path() / "libasound_module_ctl_zqsim.so";
+  places.sound = places.prefix / "share" / "zqutil" / "asound.conf";
   places.profiles = places.prefix / "share" / "zqutil" / "profiles";
   return places;
 }

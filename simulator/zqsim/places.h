@@ -7,6 +7,8 @@
 struct Places {
   std::filesystem::path prefix;    // holds bin, the libraries and share
   std::filesystem::path shim;      // the preloaded library
+  std::filesystem::path mixer;     // the sound library's plugin, beside it
+  std::filesystem::path sound;     // the sound library's configuration, which names the plugin
   std::filesystem::path profiles;  // a folder for each ready profile
 };
 
