@@ -3,10 +3,12 @@
 #include "ZQUtil.h"
 #include "ZQUtilPersistence.h"
 #include "ZQUtilTrace.h"
+#include "native_audio.h"
 
-ZQAudioVolume::ZQAudioVolume(bool /*initialise*/, int32_t media, int32_t phone, int32_t mic)
+ZQAudioVolume::ZQAudioVolume(bool initialise, int32_t media, int32_t phone, int32_t mic)
     : volume(media), volumeCopy(media), micVolume(mic) {
   ZQUTIL_TRACE("ZQUtil Audio initialized to %d %d %d\n", media, phone, mic);
+  if (initialise) native_initialize(media);
 }
 
 void ZQAudioVolume::SetOutput(int32_t percent) {
