@@ -49,6 +49,7 @@ bool Host::Start(const Options& options, std::string* error) {
 
   SetUpOutput();
   BecomeScriptThread();
+  Runtime::Create();
   Runtime& runtime = Runtime::Get();
   CatchSignals(RestoreTerminal);
   JSContextRef context = runtime.Context();

@@ -5,6 +5,7 @@
 #include "device.h"
 #include "host.h"
 #include "options.h"
+#include "zq_thread.h"
 
 namespace {
 
@@ -33,7 +34,8 @@ int main(int argc, char* argv[]) {
   if (!options.device.empty() && !sorel::OnDevice()) return Complain(sorel::EnterDevice(options), kFailure);
   if (options.trace) setenv("ZQ_TRACE", "stderr", 0);
   sorel::Host host;
-  if (!host.Start(options, &error)) return Complain(error, kFailure);
+  // No destructor runs: threads of modules that did load may be at work.
+  if (!host.Start(options, &error)) zq_ExitProcess(Complain(error, kFailure));
   host.Run();
   host.End();
 }

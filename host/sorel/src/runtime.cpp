@@ -14,11 +14,6 @@ constexpr double kLimitSeconds = 0.1;
 
 }  // namespace
 
-Runtime& Runtime::Get() {
-  static Runtime& runtime = *new Runtime;
-  return runtime;
-}
-
 Runtime::Runtime()
     : wakeFd_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       context_(JSGlobalContextCreate(nullptr)),

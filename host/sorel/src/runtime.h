@@ -14,8 +14,9 @@ namespace sorel {
 
 class Runtime {
  public:
-  // Made at the first call, by the script thread.
-  static Runtime& Get();
+  // By the script thread, before anything else of the host asks for it.
+  static void Create() { instance_ = new Runtime; }
+  static Runtime& Get() { return *instance_; }
   Runtime(const Runtime&) = delete;
   Runtime& operator=(const Runtime&) = delete;
 
@@ -50,6 +51,7 @@ class Runtime {
 
  private:
   static constexpr int kRunning = -1;
+  static inline Runtime* instance_ = nullptr;
 
   Runtime();
   ~Runtime() = default;

@@ -6,7 +6,7 @@
 namespace sorel {
 namespace {
 
-thread_local Scope* t_innermost = nullptr;
+constinit thread_local Scope* t_innermost = nullptr;
 
 // Serial numbers are unique in the process, so that a handle given to another thread is refused there; each
 // thread takes them by the block.
@@ -27,7 +27,7 @@ class Serials {
   Word next_ = 0;
   Word end_ = 0;
 };
-thread_local Serials t_serials;
+constinit thread_local Serials t_serials;
 
 }  // namespace
 

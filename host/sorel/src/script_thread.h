@@ -4,7 +4,7 @@
 
 namespace sorel {
 
-inline thread_local bool t_onScriptThread = false;
+inline constinit thread_local bool t_onScriptThread = false;
 inline bool OnScriptThread() {
   return t_onScriptThread;
 }

@@ -7,6 +7,8 @@ extern "C" bool JSConfigureSignalForGC(int signal);
 
 namespace {
 
-__attribute__((constructor)) void UseSignalThatIsNotHeldBack() { JSConfigureSignalForGC(SIGSYS); }
+__attribute__((constructor)) void UseSignalThatIsNotHeldBack() {
+  JSConfigureSignalForGC(SIGSYS);
+}
 
 }  // namespace
