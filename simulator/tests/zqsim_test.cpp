@@ -34,10 +34,13 @@ class Zqsim : public DeviceTest {
   }
 };
 
-constexpr const char* kCommon =
-    ".zq-device\nbrimvale/\nbrimvale/sorel/\ncache/\netc/\netc/client.tag\netc/firmware.ver\netc/"
-    "fw_env.config\n"
-    "etc/resolv.conf\netc/software.ver\nhw/\nhw/README\nmedia/\nproc/\n";
+constexpr const char* kStart = ".zq-device\nbrimvale/\nbrimvale/sorel/\ncache/\n";
+constexpr const char* kBus = "dev/\ndev/i2c-0\n";
+constexpr const char* kSystem =
+    "etc/\netc/client.tag\netc/firmware.ver\netc/fw_env.config\netc/resolv.conf\netc/software.ver\n";
+constexpr const char* kHardware = "hw/\nhw/README\nhw/display.ini\n";
+constexpr const char* kLightAndSound = "hw/light\nhw/light.ini\nhw/mixer.ini\n";
+constexpr const char* kPlaces = "media/\nproc/\n";
 constexpr const char* kRoute = "proc/net/\nproc/net/route\nrun/\nrun/lock/\nsys/\nsys/class/\n";
 constexpr const char* kBattery =
     "sys/class/hwmon/\nsys/class/hwmon/hwmon5/\nsys/class/hwmon/hwmon5/device/\n"
@@ -52,22 +55,25 @@ std::string Link(const std::string& name) {
 
 TEST_F(Zqsim, MakesAPhoneForTheHome) {
   EXPECT_EQ(Create(Root()), "0 ");
-  EXPECT_EQ(Listing(), std::string(kCommon) + "proc/blctrl\nproc/boardrev\n" + kRoute + kBattery +
-                           "sys/class/net/\n" + Link("eth0") + Link("ra0") + kEnd);
+  EXPECT_EQ(Listing(), std::string(kStart) + kBus + kSystem + kHardware + kLightAndSound + kPlaces +
+                           "proc/blctrl\nproc/boardrev\n" + kRoute + kBattery + "sys/class/net/\n" +
+                           Link("eth0") + Link("ra0") + kEnd);
   EXPECT_EQ(Shell("cd /sys/class/hwmon/hwmon5/device/mrst_batmon && cat charge vbat /etc/client.tag"),
             "8\n367\nhome-phone\n");
 }
 
 TEST_F(Zqsim, MakesATablet) {
   EXPECT_EQ(DeviceTest::Zqsim({"create", Root(), "--profile", "tablet"}).status, 0);
-  EXPECT_EQ(Listing(), std::string(kCommon) + "proc/blctrl\nproc/boardrev\n" + kRoute + kBattery +
-                           "sys/class/net/\n" + Link("ra0") + kEnd);
+  EXPECT_EQ(Listing(), std::string(kStart) + kBus + kSystem + kHardware + kLightAndSound + kPlaces +
+                           "proc/blctrl\nproc/boardrev\n" + kRoute + kBattery + "sys/class/net/\n" +
+                           Link("ra0") + kEnd);
   EXPECT_EQ(Shell("cd /sys/class/hwmon/hwmon5/device/mrst_batmon && cat charge vbat"), "2\n390\n");
 }
 
 TEST_F(Zqsim, MakesABareBoard) {
   EXPECT_EQ(DeviceTest::Zqsim({"create", "--profile=bare", Root()}).status, 0);
-  EXPECT_EQ(Listing(), std::string(kCommon) + kRoute + "sys/class/net/\n" + Link("eth0") + kEnd);
+  EXPECT_EQ(Listing(), std::string(kStart) + kSystem + kHardware + kPlaces + kRoute + "sys/class/net/\n" +
+                           Link("eth0") + kEnd);
   EXPECT_EQ(ReadFile(Place("/.zq-device")), "bare\n");
 }
 
