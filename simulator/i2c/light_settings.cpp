@@ -78,7 +78,8 @@ LightSettings ParseLightSettings(std::string_view text) {
 bool ParseLightReading(std::string_view text, uint16_t* reading) {
   uint32_t number = 0;
   text = Trim(text);
-  if (text.starts_with("0x") || !ReadNumber(text, UINT16_MAX, &number)) return false;
+  if (text.starts_with("0x") || text.starts_with("0X") || !ReadNumber(text, UINT16_MAX, &number))
+    return false;
   *reading = static_cast<uint16_t>(number);
   return true;
 }
