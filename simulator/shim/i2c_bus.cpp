@@ -1,19 +1,16 @@
 #include "i2c_bus.h"
 
-#include <fcntl.h>
 #include <linux/i2c-dev.h>
 #include <linux/i2c.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
-#include <cstring>
 #include <ctime>
 
+#include "hardware_file.h"
 #include "light_chip.h"
 #include "light_settings.h"
-#include "world.h"
 
 namespace {
 
@@ -32,20 +29,6 @@ constinit std::atomic<int> chipAddress{0x34};
 constinit std::atomic<uint32_t> transferUs{0};
 // The last measurement.
 constinit std::atomic<uint16_t> measured{0};
-
-// The start of a file of the device's hardware; 0 when there is none. No hook is in the way of these calls.
-size_t ReadHardware(const char* name, char* buffer, size_t size) {
-  char path[PATH_MAX];
-  const std::string_view root = CurrentView()->root;
-  if (root.size() + strlen(name) >= sizeof(path)) return 0;
-  memcpy(path, root.data(), root.size());
-  strcpy(path + root.size(), name);
-  const long file = syscall(SYS_openat, AT_FDCWD, path, O_RDONLY | O_CLOEXEC);
-  if (file < 0) return 0;
-  const long length = syscall(SYS_read, file, buffer, size);
-  syscall(SYS_close, file);
-  return length > 0 ? static_cast<size_t>(length) : 0;
-}
 
 void LookAtSettings() {
   char text[2048];
