@@ -185,8 +185,7 @@ int OpenCard(snd_ctl_t** control, snd_config_t* settings, const char* name, int 
   card->callback = &kCallbacks;
   const int result = snd_ctl_ext_create(card.get(), name, mode);
   if (result < 0) return result;
-  *control = card->handle;
-  card.release();  // Close deletes it
+  *control = card.release()->handle;  // Close deletes it
   return 0;
 }
 
