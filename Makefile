@@ -7,6 +7,7 @@ PRESETS_TESTED = release asan tsan
 # What the compiler cache holds is good for another clone of the same sources too.
 export CCACHE_BASEDIR = $(CURDIR)
 export CCACHE_NOHASHDIR = true
+export CCACHE_SLOPPINESS = pch_defines,time_macros
 
 .DEFAULT_GOAL := build
 .PHONY: help packages build run test quick lint bench fuzz coverage install format clean $(PRESETS_TESTED:%=test-%)

@@ -64,6 +64,12 @@ option(ZQ_BUILD_TESTS "build the tests and benchmarks" ON)
 if(ZQ_BUILD_TESTS)
   find_package(GTest REQUIRED)
   find_package(benchmark REQUIRED)
+
+  # A program like every test program, so that its precompiled headers serve them all.
+  add_executable(zq_test_headers ${PROJECT_SOURCE_DIR}/tests/precompiled/empty_main.cpp)
+  target_link_libraries(zq_test_headers PRIVATE GTest::gmock GTest::gtest)
+  target_compile_options(zq_test_headers PRIVATE -O0 -g1)
+  target_precompile_headers(zq_test_headers PRIVATE ${PROJECT_SOURCE_DIR}/tests/precompiled/test_headers.h)
 endif()
 
 # A test's environment. Suppressions name each leak that the behaviour demands, with its reason.
@@ -93,6 +99,9 @@ function(zq_test name)
     target_link_libraries(${name} PRIVATE GTest::gtest_main)
   endif()
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  # Tests wait for the compiler more than for the processor.
+  target_compile_options(${name} PRIVATE -O0 -g1)
+  target_precompile_headers(${name} REUSE_FROM zq_test_headers)
   add_test(NAME ${name} COMMAND ${name})
   zq_test_properties(${name} ${ARGN})
 endfunction()
