@@ -22,6 +22,7 @@ int BecomeProgram(int terminal, std::vector<std::string> words, std::vector<std:
   login_tty(terminal);
   for (std::string& variable : environment) putenv(variable.data());
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   execvp(arguments[0], arguments.data());

@@ -24,6 +24,7 @@ std::string EnterDevice(const Options& options) {
   const std::vector<std::string> arguments = ArgumentsFor(options, folder.string());
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
   execv(simulator.c_str(), pointers.data());

@@ -18,7 +18,7 @@ bool ParseOptions(const std::vector<std::string>& arguments, Options* options, s
   bool onlyScript = false;
   for (size_t i = 0; i < arguments.size(); ++i) {
     const std::string& argument = arguments[i];
-    if (onlyScript || argument == "-" || argument.rfind("-", 0) != 0) {
+    if (onlyScript || argument == "-" || argument.empty() || argument[0] != '-') {
       if (!options->script.empty()) {
         *error = "one script at a time: " + argument;
         return false;

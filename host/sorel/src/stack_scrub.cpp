@@ -5,7 +5,7 @@
 namespace sorel {
 
 __attribute__((noinline)) void ScrubStack() {
-  constexpr size_t kBytes = 64 * 1024;
+  constexpr size_t kBytes = 65536;
   char words[kBytes];
   memset(words, 0, sizeof words);
   // Tells the compiler that somebody looks at the zeros.
