@@ -29,6 +29,7 @@ std::span<const ProbeRow> EntryRows();
 std::span<const ProbeRow> AttributeRows();
 std::span<const ProbeRow> NameRows();
 std::span<const ProbeRow> ProgramRows();
+std::span<const ProbeRow> DisplayRows();
 
 // A device path that nothing has; another at each call.
 std::string Fresh();
