@@ -1,5 +1,6 @@
 #include "ZQScreen.h"
 
+#include "BrightnessScale.h"
 #include "ContrastScale.h"
 #include "ZQUtil.h"
 #include "ZQUtilPersistence.h"
@@ -70,6 +71,14 @@ void ZQScreen::setContrast(int32_t boardUnits) {
 void ZQScreen::SetDimMode(bool on) {
   bAutoMode = on;
   ZQUtil::my_WriteINIFileString(kConfigSection, "autolight", on ? "true" : "false", kSettingsFile);
+}
+
+int32_t ZQScreen::BoardBrightnessToGUIBrightness(int32_t board) const {
+  return BrightnessPercentOfBoard(board);
+}
+
+int32_t ZQScreen::GUIBrightnessToBoardBrightness(int32_t percent) const {
+  return BrightnessBoardOfPercent(percent);
 }
 
 int32_t ZQScreen::BoardContrastToGUIContrast(int32_t board) const {

@@ -34,6 +34,15 @@ class ZQUTIL_API ZQScreen {
   // Saved at once, on a thread of its own.
   void SetDimMode(bool on);
 
+  // Puts the default X display into standby, and power saving on; failures are traced. Each call opens a
+  // connection to the server and keeps it. Script thread only. A server that ends while it is asked, or refuses
+  // a request, is a matter of the process's Xlib error handlers, which are the host's: the ones that Xlib sets
+  // end the process.
+  void ScreenStandby();
+
+  // Backlight 0..255 of the board and 0..100 of the user, in single precision, rounded toward zero.
+  int32_t BoardBrightnessToGUIBrightness(int32_t board) const;
+  int32_t GUIBrightnessToBoardBrightness(int32_t percent) const;
   int32_t BoardContrastToGUIContrast(int32_t board) const;
   int32_t GUIContrastToBoardContrast(int32_t step) const;
 

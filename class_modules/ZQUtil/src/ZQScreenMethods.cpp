@@ -53,3 +53,9 @@ int32_t ZQUtil::SetDimMode(void* /*self*/, uint32_t argc, zq_Value* argv, zq_Val
   if (const char* const text = arguments.Text(0)) screen->SetDimMode(strcasecmp(text, "true") == 0);
   return 1;
 }
+
+int32_t ZQUtil::ScreenStandby(void* /*self*/, uint32_t /*argc*/, zq_Value* /*argv*/, zq_Value* /*rval*/) {
+  ZQUTIL_TRACE("ZQUtil GUI Call to ScreenStandby\n");
+  if (screen != nullptr) screen->ScreenStandby();
+  return 1;
+}

@@ -93,6 +93,7 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   int32_t SetContrast(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   int32_t GetDimMode(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   int32_t SetDimMode(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t ScreenStandby(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   // Power (ZQUtilPower.cpp)
   int32_t IsTablet(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   int32_t BatteryPct(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);

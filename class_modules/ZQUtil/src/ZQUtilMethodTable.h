@@ -31,6 +31,7 @@
   METHOD("setContrast", 1, SetContrast)          \
   METHOD("getDimMode", 0, GetDimMode)            \
   METHOD("setDimMode", 1, SetDimMode)            \
+  METHOD("screenStandby", 0, ScreenStandby)      \
   METHOD("isTablet", 0, IsTablet)                \
   METHOD("batteryPct", 0, BatteryPct)            \
   METHOD("chargeStatus", 0, ChargeStatus)        \

@@ -15,26 +15,42 @@ namespace {
 constexpr char kAllMethods[] =
     "constructor/0 getFirstTime/0 setFirstTime/1 getPhoneVolume/0 setPhoneVolume/1 MutePhone/0 UnmutePhone/0 "
     "getMediaVolume/0 setMediaVolume/1 getMicVolume/0 setMicVolume/1 MuteMic/0 UnmuteMic/0 getBrightness/0 "
-    "setBrightness/1 getContrast/0 setContrast/1 getDimMode/0 setDimMode/1 isTablet/0 batteryPct/0 "
+    "setBrightness/1 getContrast/0 setContrast/1 getDimMode/0 setDimMode/1 screenStandby/0 isTablet/0 "
+    "batteryPct/0 "
     "chargeStatus/0 "
     "getIniSetting/2 setIniSetting/3 deleteIniFile/1 writeFile/2 deleteFile/1 utf8Encode/1 ";
 
 // Each script name with the symbol of the function that answers it.
 constexpr std::pair<const char*, const char*> kAllWrappers[] = {
-    {"constructor", "ZQUtil_constructor"},       {"getFirstTime", "ZQUtil_GetFirstTime"},
-    {"setFirstTime", "ZQUtil_SetFirstTime"},     {"getPhoneVolume", "ZQUtil_GetPhoneVolume"},
-    {"setPhoneVolume", "ZQUtil_SetPhoneVolume"}, {"MutePhone", "ZQUtil_MutePhone"},
-    {"UnmutePhone", "ZQUtil_UnmutePhone"},       {"getMediaVolume", "ZQUtil_GetMediaVolume"},
-    {"setMediaVolume", "ZQUtil_SetMediaVolume"}, {"getMicVolume", "ZQUtil_GetMicVolume"},
-    {"setMicVolume", "ZQUtil_SetMicVolume"},     {"MuteMic", "ZQUtil_MuteMic"},
-    {"UnmuteMic", "ZQUtil_UnmuteMic"},           {"getBrightness", "ZQUtil_GetBrightness"},
-    {"setBrightness", "ZQUtil_SetBrightness"},   {"getContrast", "ZQUtil_GetContrast"},
-    {"setContrast", "ZQUtil_SetContrast"},       {"getDimMode", "ZQUtil_GetDimMode"},
-    {"setDimMode", "ZQUtil_SetDimMode"},         {"isTablet", "ZQUtil_IsTablet"},
-    {"batteryPct", "ZQUtil_BatteryPct"},         {"chargeStatus", "ZQUtil_ChargeStatus"},
-    {"getIniSetting", "ZQUtil_GetIniSetting"},   {"setIniSetting", "ZQUtil_SetIniSetting"},
-    {"deleteIniFile", "ZQUtil_DeleteIniFile"},   {"writeFile", "ZQUtil_WriteFile"},
-    {"deleteFile", "ZQUtil_DeleteFile"},         {"utf8Encode", "ZQUtil_UTF8Encode"},
+    {"constructor", "ZQUtil_constructor"},
+    {"getFirstTime", "ZQUtil_GetFirstTime"},
+    {"setFirstTime", "ZQUtil_SetFirstTime"},
+    {"getPhoneVolume", "ZQUtil_GetPhoneVolume"},
+    {"setPhoneVolume", "ZQUtil_SetPhoneVolume"},
+    {"MutePhone", "ZQUtil_MutePhone"},
+    {"UnmutePhone", "ZQUtil_UnmutePhone"},
+    {"getMediaVolume", "ZQUtil_GetMediaVolume"},
+    {"setMediaVolume", "ZQUtil_SetMediaVolume"},
+    {"getMicVolume", "ZQUtil_GetMicVolume"},
+    {"setMicVolume", "ZQUtil_SetMicVolume"},
+    {"MuteMic", "ZQUtil_MuteMic"},
+    {"UnmuteMic", "ZQUtil_UnmuteMic"},
+    {"getBrightness", "ZQUtil_GetBrightness"},
+    {"setBrightness", "ZQUtil_SetBrightness"},
+    {"getContrast", "ZQUtil_GetContrast"},
+    {"setContrast", "ZQUtil_SetContrast"},
+    {"getDimMode", "ZQUtil_GetDimMode"},
+    {"setDimMode", "ZQUtil_SetDimMode"},
+    {"screenStandby", "ZQUtil_ScreenStandby"},
+    {"isTablet", "ZQUtil_IsTablet"},
+    {"batteryPct", "ZQUtil_BatteryPct"},
+    {"chargeStatus", "ZQUtil_ChargeStatus"},
+    {"getIniSetting", "ZQUtil_GetIniSetting"},
+    {"setIniSetting", "ZQUtil_SetIniSetting"},
+    {"deleteIniFile", "ZQUtil_DeleteIniFile"},
+    {"writeFile", "ZQUtil_WriteFile"},
+    {"deleteFile", "ZQUtil_DeleteFile"},
+    {"utf8Encode", "ZQUtil_UTF8Encode"},
 };
 constexpr size_t kAllWrappersCount = sizeof kAllWrappers / sizeof kAllWrappers[0];
 
