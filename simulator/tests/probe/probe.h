@@ -30,6 +30,7 @@ std::span<const ProbeRow> AttributeRows();
 std::span<const ProbeRow> NameRows();
 std::span<const ProbeRow> ProgramRows();
 std::span<const ProbeRow> DisplayRows();
+std::span<const ProbeRow> DeviceRows();
 
 // A device path that nothing has; another at each call.
 std::string Fresh();
