@@ -21,13 +21,18 @@ def is_product(source: str) -> bool:
     return not {"tests", "bench", "fuzz"} & set(parts)
 
 
-def preprocessed_hash(command: dict, config: bytes) -> str:
+def compile_words(command: dict) -> list[str]:
+    """The compiler's command line, without what says where the output goes."""
     words = shlex.split(command["command"])
     if os.path.basename(words[0]) == "ccache":
         words = words[1:]
     output = words.index("-o")
     del words[output : output + 2]
-    words = [word for word in words if word != "-c"] + ["-E", "-P"]
+    return [word for word in words if word != "-c"]
+
+
+def preprocessed_hash(command: dict, config: bytes) -> str:
+    words = compile_words(command) + ["-E", "-P"]
     text = subprocess.run(words, cwd=command["directory"], capture_output=True, check=True).stdout
     return hashlib.sha256(config + command["command"].encode() + text).hexdigest()
 
@@ -37,7 +42,8 @@ def check(command: dict, build: pathlib.Path, config: bytes) -> tuple[str, str]:
     if stamp.exists():
         return command["file"], ""
     result = subprocess.run(
-        ["clang-tidy", "--quiet", "-p", str(build), "--extra-arg=-Wno-unknown-warning-option", command["file"]],
+        ["clang-tidy", "--quiet", command["file"], "--", *compile_words(command)[1:]],
+        cwd=command["directory"],
         capture_output=True,
         text=True,
         check=False,
@@ -52,10 +58,11 @@ def main() -> int:
     build = pathlib.Path(sys.argv[1])
     (build / "tidy").mkdir(exist_ok=True)
     config = pathlib.Path(".clang-tidy").read_bytes()
+    # A source that tests compile too is looked at as the product compiles it: without precompiled headers.
     commands = {
         command["file"]: command
         for command in json.loads((build / "compile_commands.json").read_text())
-        if command["file"].endswith(".cpp") and is_product(command["file"])
+        if command["file"].endswith(".cpp") and is_product(command["file"]) and "cmake_pch" not in command["command"]
     }
     failed = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:

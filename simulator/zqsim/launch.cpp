@@ -46,7 +46,7 @@ bool IsProgram(const fs::path& path) {
 // file is the machine's, and only for a caller who stands in /tmp.
 fs::path WorkPath(const std::string& argument, const fs::path& root) {
   const fs::path path = fs::path(argument).lexically_normal();
-  const fs::path folder = path.parent_path();
+  fs::path folder = path.parent_path();
   std::error_code error;
   if (!IsAtOrBelow(folder.native(), "/tmp") || !fs::exists(path, error)) return {};
   if (fs::exists(root / path.relative_path(), error)) return {};
@@ -64,8 +64,8 @@ int Complain(const std::string& what, const std::string& why, int status) {
 fs::path FindProgram(const std::string& command, const fs::path& root) {
   std::error_code error;
   if (command.find('/') != std::string::npos) {
-    const fs::path path = fs::absolute(command, error).lexically_normal();
-    const fs::path onDevice = root / path.relative_path();
+    fs::path path = fs::absolute(command, error).lexically_normal();
+    fs::path onDevice = root / path.relative_path();
     const DeviceView view{root.native(), ""};
     if (command.starts_with('/') && OwnerOf(path.native(), view) != Owner::kMachine &&
         fs::exists(onDevice, error)) {
@@ -74,7 +74,7 @@ fs::path FindProgram(const std::string& command, const fs::path& root) {
     return fs::exists(path, error) ? path : fs::path();
   }
   for (const std::string& folder : Split(Environment("PATH"), ":")) {
-    const fs::path path = fs::absolute(fs::path(folder) / command, error);
+    fs::path path = fs::absolute(fs::path(folder) / command, error);
     if (IsProgram(path)) return path;
   }
   return {};
@@ -105,11 +105,13 @@ std::string HostPaths(const std::string& before, const Places& places, const fs:
 }
 
 std::string Preloads(const std::string& before, const fs::path& shim) {
-  std::string libraries = ZQSIM_SANITIZER_RUNTIME;
+  // Empty in a build without sanitizers.
+  const std::string_view runtime = ZQSIM_SANITIZER_RUNTIME;
+  std::string libraries(runtime);
   if (!libraries.empty()) libraries += ':';
   libraries += shim.native();
   for (const std::string& library : Split(before, ": ")) {
-    if (library != ZQSIM_SANITIZER_RUNTIME && library != shim.native()) libraries += ':' + library;
+    if (library != runtime && library != shim.native()) libraries += ':' + library;
   }
   return libraries;
 }
@@ -136,6 +138,7 @@ int Launch(const std::vector<std::string>& command, const fs::path& root, const 
   if (chdir(root.c_str()) != 0) return Complain(root, strerror(errno), 1);
 
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
   execv(program.c_str(), arguments.data());
