@@ -106,12 +106,12 @@ std::string HostPaths(const std::string& before, const Places& places, const fs:
 
 std::string Preloads(const std::string& before, const fs::path& shim) {
   // Empty in a build without sanitizers.
-  const std::string_view runtime = ZQSIM_SANITIZER_RUNTIME;
-  std::string libraries(runtime);
+  static constexpr char kRuntime[] = ZQSIM_SANITIZER_RUNTIME;
+  std::string libraries = kRuntime;
   if (!libraries.empty()) libraries += ':';
   libraries += shim.native();
   for (const std::string& library : Split(before, ": ")) {
-    if (library != runtime && library != shim.native()) libraries += ':' + library;
+    if (library != kRuntime && library != shim.native()) libraries += ':' + library;
   }
   return libraries;
 }

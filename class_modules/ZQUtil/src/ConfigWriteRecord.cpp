@@ -38,7 +38,10 @@ ConfigWriteRecord* NewConfigWriteRecord(const char* section, const char* key, co
     Free(record);
     return nullptr;
   }
-  record->before = g_last.exchange(record);
+  // Linked before it can be found: whoever finds it walks on from it.
+  record->before = g_last;
+  while (!g_last.compare_exchange_weak(record->before, record)) {
+  }
   return record;
 }
 
