@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <random>
 
 #include "ZQUtilEntryPoints.h"
@@ -37,16 +38,29 @@ int NumberOf(const std::string& value) {
   }
 }
 
+// How long a process needs here from its start until what it stores is on the disk.
+unsigned MicrosecondsToTheFirstWrite() {
+  const auto start = std::chrono::steady_clock::now();
+  const pid_t child = fork();
+  if (child == 0) WriteUntilKilled(1);
+  while (StoredSetting("key", "app.ini") == "<none>" || StoredKey("net.firsttime") == "<none>") usleep(200);
+  const auto needed = std::chrono::steady_clock::now() - start;
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+  return static_cast<unsigned>(std::chrono::duration_cast<std::chrono::microseconds>(needed).count());
+}
+
 TEST(Storm, KillsAtAnyInstantLeaveEveryFileOldOrNewAndWhole) {
   ResetDevice();
   std::mt19937 random(20261121);
   int setting = 0;
   int key = 0;
   constexpr int kRounds = 1000;
+  const unsigned window = 2 * MicrosecondsToTheFirstWrite() + 5000;
   for (int round = 1; round <= kRounds; ++round) {
     const pid_t child = fork();
     if (child == 0) WriteUntilKilled(round * 1000);
-    usleep(random() % 12000);
+    usleep(random() % window);
     kill(child, SIGKILL);
     int status = 0;
     ASSERT_EQ(waitpid(child, &status, 0), child);
