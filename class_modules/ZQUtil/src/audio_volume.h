@@ -33,9 +33,8 @@ class ZQUTIL_API ZQAudioVolume {
  private:
   void SetOutput(int32_t percent);
 
-  std::atomic<int32_t> volume;  // the one output volume, phone and media alike
-  std::atomic<int32_t>
-      volumeCopy;  // kept in step for a reader in the board's debugger; nothing here reads it
+  std::atomic<int32_t> volume;      // the one output volume, phone and media alike
+  std::atomic<int32_t> volumeCopy;  // always set with the volume; nothing reads it
   std::atomic<int32_t> micVolume;
 };
 
