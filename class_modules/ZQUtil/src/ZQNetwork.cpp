@@ -39,8 +39,8 @@ ZQNetwork::~ZQNetwork() {
   delete essidList;
 }
 
-zq_List* ZQNetwork::getESSIDList(bool /*scan*/, bool /*background*/, const char* /*essid*/,
-                                 bool /*passive*/) {
+zq_List* ZQNetwork::getESSIDList(bool /*active*/, bool /*cachedOnly*/, const char* /*essid*/,
+                                 bool /*ignored*/) {
   return essidList;
 }
 

@@ -5,8 +5,14 @@
 #include <atomic>
 #include <cstdint>
 
+#include "ESSIDStruct.h"
 #include "module_api.h"
 #include "zq_list.h"
+
+// Of the wireless library.
+struct iw_event;
+struct iw_range;
+struct stream_descr;
 
 class ZQUTIL_API ZQNetwork {
  public:
@@ -16,11 +22,59 @@ class ZQUTIL_API ZQNetwork {
   ZQNetwork& operator=(const ZQNetwork&) = delete;
   ~ZQNetwork();
 
-  // The list of networks in the air, owned by this object.
-  zq_List* getESSIDList(bool scan, bool background, const char* essid, bool passive);
+  // What the device is configured to be. Every access opens the key store and closes it again; a store that cannot be
+  // opened gives false, 0 or null. New strings are the caller's (zq__free). Any thread.
+  const char* GetWirelessInterface();  // "ra0"
+  const char* GetCurrentInterface();   // "ra0" or "eth0"
+  bool isProxyEnabled();
+  bool isDHCPEnabled();
+  bool isWireless();
+  int32_t getIndex();
+  char* getKey();
+  char* getKeyType();
+  char* getEncryption();
+  char* getNetAuth();
+  char* getConfiguredESSID();
+  char* getProxy();
+
+  // Changes; the proxy ones on the script thread. Texts are stripped of line breaks in place.
+  void setProxyEnabled(bool enabled);
+  void setProxy(char* proxy);
   // Sets or removes the environment variable "http_proxy" as "net.proxy" and "net.proxyen" say. Script
   // thread.
   void ConditionallyEnableProxy();
+  void StripCarriageReturn(char* text);
+  int32_t setWiredNetworkDHCP();
+  int32_t setWiredNetworkStatic(char* ip, char* netmask, char* primaryDns, char* secondaryDns, char* gateway);
+  int32_t setWirelessNetworkDHCP(char* ssid, char* netAuth, char* encryption, char* keyType, char* key,
+                                 int32_t index, char* wpaType);
+  int32_t setWirelessNetworkStatic(char* ip, char* netmask, char* primaryDns, char* secondaryDns,
+                                   char* gateway, char* ssid, char* netAuth, char* encryption, char* keyType,
+                                   char* key, int32_t index, char* wpaType);
+  int32_t restartNetwork();
+
+  // What the kernel says now. New strings are the caller's (zq__free), never null. Any thread.
+  char* getCurrentIP();
+  char* getCurrentNetmask();
+  char* getMACAddr();
+  char* getGateway();
+  void getDNSInfo(char** primary, char** secondary, char** third);
+  char* getPrimaryDNS();
+  char* getSecondaryDNS();
+  bool ConnectedStatus();
+  int32_t SignalStrength();
+
+  // The list of networks in the air (_ESSIDStruct), owned by this object and good until the next scan. A scan
+  // blocks for at least 250 ms; one thread at a time scans.
+  zq_List* getESSIDList(bool active, bool cachedOnly, const char* essid, bool ignored);
+  // A new record, the caller's with its name, with the strength of the current association.
+  _ESSIDStruct* GetESSIDInfo(const char* essid);
+  void EmptyESSIDList();
+  // Applies one event of a scan to the record that is being built; 0.
+  static int32_t get_scan_results(stream_descr* stream, iw_event* event, iw_range* range, int32_t hasRange,
+                                  _ESSIDStruct* record, int socket);
+  // Adds to the record what one WPA or RSN element says; `length` bytes are there.
+  static void GetWPAParams(_ESSIDStruct* record, const unsigned char* element, int32_t length);
 
   // State of the connectivity monitor: 0 waiting for association, 1 associated or wired, 2 waiting for an
   // address, 3 Internet check started.

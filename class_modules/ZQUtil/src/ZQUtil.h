@@ -65,6 +65,12 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   void CheckForAvailableUpdates();
   // Forgets the updates that were offered (ZQSoftwareUpdate.cpp).
   void ReleaseSoftwareUpdateList();
+  // Decrypts the package that `in` reads into `out`; both are plain descriptors and stay open (UpdateDecrypt.cpp).
+  // Library thread of the download.
+  void update_decrypt(int in, int out);
+  // A TCP connection to the log server, or to the proxy that "http_proxy" names; its events come to this queue. 0
+  // when there is none (ZQApplicationLog.cpp). Any thread.
+  uint32_t OpenSocketToProxyOrAddress(const char* host, int32_t port);
   // One step of the connectivity monitor, each second while it runs (ZqUtilNetwork.cpp). Queue thread only.
   void HandleNetworkCheckTimer();
 
@@ -72,7 +78,33 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   static int32_t GetIntValueFromFileContents(const char* path);
 
   // Script methods: the engine's native signature; 1 handled, 0 failure. Script thread only.
-  // Network (ZqUtilNetwork.cpp)
+  // Network (ZqUtilNetwork.cpp, ZqUtilNetworkScan.cpp, ZqUtilNetworkSettings.cpp)
+  int32_t GetESSIDList(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval, bool cached, bool flag);
+  int32_t BackgroundGetESSIDList(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetESSID(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetConfiguredESSID(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetConfiguredESSIDListed(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetIP(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetMACAddr(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetSubnetMask(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetPrimaryDNS(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetSecondaryDNS(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetGateway(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetProxy(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetNetworkType(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetDHCPEnabled(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetProxyEnabled(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetSignalStrength(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetWiredNetworkDHCP(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetWiredNetworkStatic(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetWirelessNetworkDHCP(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetWirelessNetworkStatic(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetWirelessSecurity(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetProxy(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetProxyEnabled(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  // Connectivity monitor (ZqUtilConnectivity.cpp)
+  int32_t RegisterConnectivityListener(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t CheckConnectivity(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   int32_t GetFirstTime(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   int32_t SetFirstTime(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   // Volumes (audio_volume_methods.cpp)
@@ -94,6 +126,28 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   int32_t GetDimMode(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   int32_t SetDimMode(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   int32_t ScreenStandby(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  // Date and time (ZQUtilDateTime.cpp)
+  int32_t GetTZList(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetNTPEnabled(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetNTPEnabled(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetPrimaryNTPServer(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetPrimaryNTPServer(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetSecondaryNTPServer(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetSecondaryNTPServer(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetTime(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetTZ(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetTZ(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t GetMilitaryTimeEnabled(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t SetMilitaryTimeEnabled(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  // Application log (ZQApplicationLog.cpp)
+  int32_t AppLog(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  // Software update (ZQSoftwareUpdate.cpp, ZQUpdateInstall.cpp)
+  int32_t GetUpdateList(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t BeginUpdate(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t RegisterUpdateListener(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  int32_t FactoryReset(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+  // About (ZQUtilAbout.cpp)
+  int32_t RegisterAboutListener(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   // Power (ZQUtilPower.cpp)
   int32_t IsTablet(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   int32_t BatteryPct(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
@@ -128,6 +182,8 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   std::atomic<uint32_t> timeDriftSeconds = 0;
 
   static ZQUtil* m_pInstance;
+  // This device's identity at the update server; 0: not yet known.
+  static std::atomic<int32_t> myDeviceID;
   // Milliseconds between periodic update checks.
   static std::atomic<int32_t> softwareUpdateCheckTime;
 
