@@ -71,7 +71,7 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   // A TCP connection to the log server, or to the proxy that "http_proxy" names; its events come to this queue. 0
   // when there is none (ZQApplicationLog.cpp). Any thread.
   uint32_t OpenSocketToProxyOrAddress(const char* host, int32_t port);
-  // One step of the connectivity monitor, each second while it runs (ZqUtilNetwork.cpp). Queue thread only.
+  // One step of the connectivity monitor, each second while it runs (ZqUtilConnectivity.cpp). Queue thread only.
   void HandleNetworkCheckTimer();
 
   // The number at the start of the file's first line; 0 when there is none (ZQUtilPower.cpp).

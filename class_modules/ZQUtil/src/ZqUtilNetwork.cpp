@@ -1,4 +1,4 @@
-// Network script methods and the connectivity monitor.
+// Network script methods.
 #include "KeyStore.h"
 #include "ZQUtil.h"
 #include "ZQUtilTrace.h"
@@ -18,8 +18,4 @@ int32_t ZQUtil::SetFirstTime(void* /*self*/, uint32_t argc, zq_Value* argv, zq_V
   if (!arguments.Present(0)) return 1;
   if (const char* const text = arguments.Text(0)) AsyncNVRAMWrite("net.firsttime", text);
   return 1;
-}
-
-void ZQUtil::HandleNetworkCheckTimer() {
-  // Nothing restarts the network yet, so the timer that steps the monitor is never armed.
 }
