@@ -1,5 +1,5 @@
 #include "zqwww.h"
 
-HTTP::HTTP() = default;
+HTTP::HTTP() : maxIncomingBuffer_(65536) {}
 
 HTTP::~HTTP() = default;
