@@ -3,6 +3,7 @@
 #include "ZQUtilMethodTable.h"
 #include "ZQUtilPersistence.h"
 #include "ZQUtilTrace.h"
+#include "listeners.h"
 #include "mm_env.h"
 #include "zq_file.h"
 
@@ -37,6 +38,7 @@ int32_t MM_Init(void* classObject) {
     defineMethod(classObject, method.scriptName, method.native, method.declared);
   }
   gLibObj = classObject;
+  OpenWorkerRequests();
   zqUtil_applogLib = zq_LoadLibrary("libzqapplog.so");
   if (zqUtil_applogLib == nullptr) return 0;
   const auto logRegister =
@@ -50,6 +52,7 @@ int32_t MM_TermWrapper() {
 
 int32_t MM_Term(void* /*classObject*/) {
   engine::HostLog("ZQUtil MM_Term start\n");
+  CloseWorkerRequests();
   AwaitConfigWrites();
   if (zqUtil_applogLib != nullptr) {
     const auto logUnregister =

@@ -18,7 +18,7 @@ ZQUTIL_API int32_t MM_InitWrapper(void* table, uint32_t bytes);
 ZQUTIL_API int32_t MM_TermWrapper();
 // Returns what the application-log library's registration returns; 0 without that library.
 ZQUTIL_API int32_t MM_Init(void* classObject);
-// Waits for settings writes under way, then lets the application-log library go. The singleton is the
+// Waits for listener calls and settings writes under way, then lets the application-log library go. The singleton is the
 // finalizers' business. Returns 0.
 ZQUTIL_API int32_t MM_Term(void* classObject);
 

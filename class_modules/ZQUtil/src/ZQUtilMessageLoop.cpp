@@ -7,7 +7,7 @@
 #include "ZQUtil.h"
 #include "ZQUtilPersistence.h"
 #include "ZQUtilTrace.h"
-#include "mm_env.h"
+#include "listeners.h"
 #include "zq_memory.h"
 #include "zq_socket.h"
 #include "zq_system.h"
@@ -18,13 +18,6 @@
 namespace {
 
 constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtilMessageLoop";
-
-void CallListener(void* listener, const char* method) {
-  const auto callMethod = engine::CallMethod();
-  if (callMethod == nullptr) return;
-  zq_Value ignored = ZQ_VALUE_VOID;
-  callMethod(listener, method, 0, nullptr, &ignored);
-}
 
 }  // namespace
 
@@ -155,11 +148,7 @@ void ZQUtil::OnBackgroundScan() {
   ZQUTIL_TRACE("ZQUtil calling onSSIDList\n");
   CallListener(listener, "onSSIDList");
   // One registration, one callback.
-  if (const auto setProperty = engine::SetProperty()) {
-    zq_Value none = ZQ_VALUE_NULL;
-    setProperty(gLibObj, "getessidListener", &none);
-  }
-  getessidListener = nullptr;
+  ForgetListener("getessidListener", getessidListener);
 }
 
 void ZQUtil::SaveConfig(int32_t kind) {
