@@ -14,9 +14,10 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 
 # The libraries find each other beside themselves, in the build folder as after installation.
-set(CMAKE_BUILD_RPATH "$ORIGIN;$ORIGIN/../lib")
-set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+# Both are one text: CMake would else pad the shorter one with an empty entry, by which the loader
+# looks for every library in the working folder first.
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../lib")
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 
 find_program(CCACHE ccache)
 if(CCACHE)
