@@ -1,6 +1,5 @@
 # One entry for everything; `make help` lists it. Each target installs the Debian packages that are missing first.
 
-JOBS ?= $(shell nproc)
 DEVICE ?= device
 PRESETS_TESTED = release asan tsan
 
@@ -19,11 +18,10 @@ packages:
 	@scripts/install-packages.sh
 
 build: packages  ## build everything (build/bin, build/lib)
-	@cmake --preset release >build-configure.log 2>&1 || { cat build-configure.log; exit 1; }
-	@rm -f build-configure.log
-	@cmake --build --preset release -j $(JOBS)
+	@scripts/build-preset.sh release
 
-run: build  ## run the example script on a simulated home-phone in ./device
+run: packages  ## run the example script on a simulated home-phone in ./device
+	@scripts/build-preset.sh release --target product
 	@build/bin/sorel --device $(DEVICE) examples/first.js
 	@scripts/show-device.sh $(DEVICE)
 

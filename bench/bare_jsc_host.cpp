@@ -1,5 +1,6 @@
 // The least that runs a script over JavaScriptCore with a native method: what sorel is measured against.
 #include <JavaScriptCore/JavaScript.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
@@ -31,7 +32,8 @@ JSValueRef Print(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, c
 
 }  // namespace
 
-int main(int, char* argv[]) {
+// bare_jsc_host SCRIPT [stay]
+int main(int argc, char* argv[]) {
   JSGlobalContextRef context = JSGlobalContextCreate(nullptr);
   JSObjectRef global = JSContextGetGlobalObject(context);
   SetFunction(context, global, "print", Print);
@@ -42,5 +44,8 @@ int main(int, char* argv[]) {
   std::ifstream file(argv[1]);
   const std::string source{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   JSStringRef script = JSStringCreateWithUTF8CString(source.c_str());
-  return JSEvaluateScript(context, script, nullptr, nullptr, 1, nullptr) != nullptr ? 0 : 1;
+  const bool worked = JSEvaluateScript(context, script, nullptr, nullptr, 1, nullptr) != nullptr;
+  fflush(stdout);
+  if (argc > 2) pause();
+  return worked ? 0 : 1;
 }

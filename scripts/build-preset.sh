@@ -1,6 +1,8 @@
 #!/bin/sh
-# Configures and builds one preset.
+# Configures and builds one preset; further words go to the build.
 set -eu
-cmake --preset "$1" >"build-$1.log" 2>&1 || { cat "build-$1.log"; rm -f "build-$1.log"; exit 1; }
-rm -f "build-$1.log"
-exec cmake --build --preset "$1" -j "$(nproc)"
+preset=$1
+shift
+cmake --preset "$preset" >"build-$preset.log" 2>&1 || { cat "build-$preset.log"; rm -f "build-$preset.log"; exit 1; }
+rm -f "build-$preset.log"
+exec cmake --build --preset "$preset" -j "$(nproc)" "$@"
