@@ -32,6 +32,7 @@
   METHOD("getDimMode", 0, GetDimMode)            \
   METHOD("setDimMode", 1, SetDimMode)            \
   METHOD("screenStandby", 0, ScreenStandby)      \
+  METHOD("appLog", 3, AppLog)                    \
   METHOD("isTablet", 0, IsTablet)                \
   METHOD("batteryPct", 0, BatteryPct)            \
   METHOD("chargeStatus", 0, ChargeStatus)        \

@@ -8,6 +8,7 @@
 extern "C" {
 extern void* stubRegistered;
 extern int32_t stubUnregistered;
+extern std::string stubRecords;
 int32_t ZQLogApplicationActivity(const char* application, const char* action, const char* detail);
 }
 
@@ -18,6 +19,7 @@ class ApplogLibraryTest : public ModuleTest {
   ApplogLibraryTest() {
     stubRegistered = nullptr;
     stubUnregistered = 0;
+    stubRecords.clear();
   }
 };
 
@@ -49,6 +51,83 @@ TEST_F(ApplogLibraryTest, ASingletonBuiltAfterTheModulesEndHasNone) {
   MM_TermWrapper();
   New();
   EXPECT_EQ(ZQUtil::m_pInstance->appLogActivity, nullptr);
+}
+
+class AppLogTest : public ApplogLibraryTest {
+ protected:
+  void Start() {
+    util = &New();
+    Settle();
+    ForgetTraces();
+  }
+  // The call's return value and the records it made.
+  std::string Log(const std::vector<zq_Value>& arguments) {
+    stubRecords.clear();
+    return std::to_string(engine.Call(*util, "appLog", arguments, nullptr)) + " " + stubRecords;
+  }
+
+  Object* util = nullptr;
+};
+
+constexpr char kCalled[] = "ZQUtil GUI Call to AppLog\n";
+
+TEST_F(AppLogTest, ARecordGoesToTheLibrary) {
+  Start();
+  EXPECT_EQ(Log({S("Radio"), S("play"), S("Station 5")}), "1 Radio|play|Station 5\n");
+  EXPECT_EQ(Traces(), std::string(kCalled) +
+                          "ZQUtil Logging Application Message App: Radio, Action: play, Detail: Station 5\n");
+}
+
+TEST_F(AppLogTest, WithoutADetailTheLibraryGetsNoneAndTheTraceSaysSo) {
+  Start();
+  const std::string traced =
+      std::string(kCalled) + "ZQUtil Logging Application Message App: Radio, Action: play, Detail: (NULL)\n";
+  for (const std::vector<zq_Value>& arguments : {std::vector<zq_Value>{S("Radio"), S("play")},
+                                                 {S("Radio"), S("play"), ZQ_VALUE_VOID},
+                                                 {S("Radio"), S("play"), ZQ_VALUE_NULL}}) {
+    EXPECT_EQ(Log(arguments), "1 Radio|play|<null>\n");
+    EXPECT_EQ(Traces(), traced);
+    ForgetTraces();
+  }
+}
+
+TEST_F(AppLogTest, FewerThanTwoArgumentsLogNothing) {
+  Start();
+  EXPECT_EQ(Log({}), "1 ");
+  EXPECT_EQ(Log({S("Radio")}), "1 ");
+  EXPECT_EQ(Log({S("Radio"), ZQ_VALUE_VOID}), "1 ");
+  EXPECT_EQ(Log({ZQ_VALUE_NULL, S("play"), S("detail")}), "1 ");
+  EXPECT_EQ(Traces(), std::string(kCalled) + kCalled + kCalled + kCalled);
+}
+
+TEST_F(AppLogTest, NumbersAreLoggedAsTheirText) {
+  Start();
+  EXPECT_EQ(Log({N(1), N(2), N(3)}), "1 1|2|3\n");
+}
+
+TEST_F(AppLogTest, AHostThatConvertsNothingLogsNothing) {
+  engine.Remove(ZQ_SLOT_VALUE_TO_STRING);
+  Start();
+  EXPECT_EQ(Log({S("Radio"), S("play")}), "1 ");
+}
+
+TEST_F(AppLogTest, AValueThatCannotBeTextLogsNothingOrNoDetail) {
+  static zq_Value unconvertible;
+  engine.Table()[ZQ_SLOT_VALUE_TO_STRING] = reinterpret_cast<uintptr_t>(
+      +[](zq_Value value, uint32_t*) -> const char* { return value == unconvertible ? nullptr : "text"; });
+  Start();
+  unconvertible = S("x");
+  EXPECT_EQ(Log({unconvertible, S("play")}), "1 ");
+  EXPECT_EQ(Log({S("Radio"), unconvertible}), "1 ");
+  EXPECT_EQ(Log({S("Radio"), S("play"), unconvertible}), "1 text|text|<null>\n");
+}
+
+TEST_F(AppLogTest, WithoutTheLibraryLoggingIsOff) {
+  Load();
+  MM_TermWrapper();
+  Start();
+  EXPECT_EQ(Log({S("Radio"), S("play")}), "1 ");
+  EXPECT_EQ(Traces(), std::string(kCalled) + "ZQUtil Application Logging Disabled\n");
 }
 
 }  // namespace

@@ -15,7 +15,8 @@ namespace {
 constexpr char kAllMethods[] =
     "constructor/0 getFirstTime/0 setFirstTime/1 getPhoneVolume/0 setPhoneVolume/1 MutePhone/0 UnmutePhone/0 "
     "getMediaVolume/0 setMediaVolume/1 getMicVolume/0 setMicVolume/1 MuteMic/0 UnmuteMic/0 getBrightness/0 "
-    "setBrightness/1 getContrast/0 setContrast/1 getDimMode/0 setDimMode/1 screenStandby/0 isTablet/0 "
+    "setBrightness/1 getContrast/0 setContrast/1 getDimMode/0 setDimMode/1 screenStandby/0 appLog/3 "
+    "isTablet/0 "
     "batteryPct/0 "
     "chargeStatus/0 "
     "getIniSetting/2 setIniSetting/3 deleteIniFile/1 writeFile/2 deleteFile/1 utf8Encode/1 ";
@@ -42,6 +43,7 @@ constexpr std::pair<const char*, const char*> kAllWrappers[] = {
     {"getDimMode", "ZQUtil_GetDimMode"},
     {"setDimMode", "ZQUtil_SetDimMode"},
     {"screenStandby", "ZQUtil_ScreenStandby"},
+    {"appLog", "ZQUtil_AppLog"},
     {"isTablet", "ZQUtil_IsTablet"},
     {"batteryPct", "ZQUtil_BatteryPct"},
     {"chargeStatus", "ZQUtil_ChargeStatus"},
