@@ -8,11 +8,11 @@
 #include "module_api.h"
 
 // Automatic dimming is on. Written on the script thread, polled by the light-sensor thread.
-ZQUTIL_API extern std::atomic<bool> bAutoMode;
+extern std::atomic<bool> bAutoMode;
 // The light-sensor thread is to end. Set when the last screen goes, cleared by each new one.
-ZQUTIL_API extern std::atomic<bool> exiting;
+extern std::atomic<bool> exiting;
 // Screens that asked for the light-sensor thread; the first one starts it.
-ZQUTIL_API extern std::atomic<int32_t> ZQScreenInstanceCount;
+extern std::atomic<int32_t> ZQScreenInstanceCount;
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int32_t>::is_always_lock_free);
 
 // Set on the script thread, read by the queue thread when it saves them.

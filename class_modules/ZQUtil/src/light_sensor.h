@@ -13,7 +13,7 @@
 #include "module_api.h"
 
 // The light reading last applied, 0 to 65535. Changed by the thread alone.
-ZQUTIL_API extern std::atomic<uint32_t> olddat;
+extern std::atomic<uint32_t> olddat;
 
 // Thread body. Returns 0 when it ends on request, -1 when a device could not be opened or addressed. The
 // screen may be gone long before the thread: it is not touched.

@@ -10,7 +10,7 @@
 
 // The card's control, null until it could be opened. Kept for the life of the process, so that a module object made
 // later finds it open.
-ZQUTIL_API extern snd_ctl_t* alsaCtl;
+extern snd_ctl_t* alsaCtl;
 
 // Sets the mixer as a start wants it: the output at `level` percent and on, the capture at its fixed register value.
 // Without a card nothing happens; the next call looks for one again.

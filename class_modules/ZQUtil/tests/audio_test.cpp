@@ -1,8 +1,10 @@
 // The module and the sound card's mixer, over the real sound library.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 #include "audio_volume.h"
@@ -104,6 +106,24 @@ TEST_F(AudioTest, AVolumeBelow0IsTheCardsToRefuse) {
   Start("mediaVolume=-50\n");
   EXPECT_NE(TakeSoundCalls().find("write MIXER Master Playback Volume 0 -50,-50\n"), std::string::npos);
   EXPECT_EQ(Mixer(), "1,1 1,1 7,7");
+}
+
+// volume, its copy, micVolume: three words in this order.
+TEST_F(AudioTest, TheCopyIsSetWithTheVolume) {
+  ZQAudioVolume volumes(false, 60, 20, 40);
+  const auto fields = [&volumes] {
+    static_assert(sizeof volumes == 3 * sizeof(int32_t));
+    int32_t words[3];
+    std::memcpy(words, static_cast<const void*>(&volumes), sizeof words);
+    return std::to_string(words[0]) + " " + std::to_string(words[1]) + " " + std::to_string(words[2]);
+  };
+  EXPECT_EQ(fields(), "60 60 40");
+  volumes.setPhoneVolume(1);
+  EXPECT_EQ(fields(), "1 1 40");
+  volumes.setMediaVolume(2);
+  EXPECT_EQ(fields(), "2 2 40");
+  volumes.setMicVolume(3);
+  EXPECT_EQ(fields(), "2 2 3");
 }
 
 TEST_F(AudioTest, WithoutInitialisingTheMixerIsLeftAlone) {
@@ -234,6 +254,24 @@ TEST_F(AudioTest, A64BitVolumeIsSetByTheLowHalfOfItsMaximum) {
     WriteFile(MixerFile(), VolumeElement("integer64", maximum) + kSwitchElement + kCaptureElement);
     const ZQAudioVolume volumes(true, 75, 75, 50);
     EXPECT_EQ(Mixer(), value + " 1,1 7,7") << maximum;
+  }
+}
+
+// 75 percent of the low half, in 32 bits.
+TEST_F(AudioTest, AMaximumThatLeaves32BitsWrapsAndTheCardMayRefuse) {
+  for (const auto& [type, maximum, asked] : std::vector<std::tuple<std::string, std::string, std::string>>{
+           {"integer", "2147483647", "21474835,21474835"},
+           {"integer64", "4294967295", "0,0"},
+           {"integer64", "3000000000", "16617006,16617006"},
+           {"integer64", "4294967096", "-150,-150"},
+           {"integer64", "9223372036854775807", "0,0"}}) {
+    WriteFile(MixerFile(), VolumeElement(type, maximum) + kSwitchElement + kCaptureElement);
+    TakeSoundCalls();
+    const ZQAudioVolume volumes(true, 75, 75, 50);
+    EXPECT_NE(TakeSoundCalls().find("write MIXER Master Playback Volume 0 " + asked + "\n"),
+              std::string::npos)
+        << maximum;
+    EXPECT_EQ(Mixer(), (asked[0] == '-' ? "1,1" : asked) + " 1,1 7,7") << maximum;
   }
 }
 

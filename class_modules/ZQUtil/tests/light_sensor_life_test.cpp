@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <thread>
 
@@ -11,6 +12,7 @@
 #include "module_fixture.h"
 #include "zq_thread.h"
 
+namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 
 namespace {
@@ -157,6 +159,60 @@ TEST_F(LightSensorLifeTest, ScreensThatComeAndGoInAStormLeaveOneThreadPerLife) {
   EndLightSensor();
   EXPECT_EQ(Count("Light Sensor Thread beginning"), 200);
   EXPECT_EQ(Count("Light Sensor Thread Ending"), 200);
+}
+
+TEST_F(LightSensorLifeTest, ASensorThatAppearsLaterIsFoundByTheNextObjectOnly) {
+  fs::remove(OnThisMachine("/dev/i2c-0"));
+  DimAtNextStart();
+  Object& util = New();
+  AwaitTrace("Unable to open /dev/i2c-0", 1);
+  EXPECT_TRUE(zq_ThreadAwaitEnd(threadAutoScreenDim, 60000));
+  WriteFile(OnThisMachine("/dev/i2c-0"), "");
+  for (const char* mode : {"FALSE", "TRUE"}) {
+    engine.Answer(util, "setDimMode", {S(mode)});
+    Settle();
+    EXPECT_EQ(engine.Answer(util, "getDimMode"), mode);
+    EXPECT_EQ(StoredSetting("autolight"), mode == std::string("TRUE") ? "true" : "false");
+  }
+  clock.Advance(std::chrono::seconds(10));
+  EXPECT_EQ(Count("Light Sensor Thread beginning"), 1);
+  EXPECT_EQ(ReadFile("/proc/blctrl"), "255") << "dimming has no effect";
+  EXPECT_EQ(Count("Light Sensor Thread Ending"), 0) << "it ended for want of a device";
+  Drop(util);
+  New();
+  AwaitTrace("Light Sensor Thread beginning", 2);
+  Settle();  // the brightness is on the backlight
+  for (int step = 0; step < 2; ++step) {
+    clock.AwaitSleepers(1);
+    clock.Advance(milliseconds(20));
+  }
+  clock.AwaitSleepers(1);
+  EXPECT_STREQ(ReadFile("/proc/blctrl").c_str(), "1") << "the third level of the ramp to 100";
+}
+
+TEST_F(LightSensorLifeTest, AScriptThatChangesTheModeAThousandTimesLeavesTheLastOne) {
+  WriteFile(OnThisMachine("/hw/light"), "15");
+  Object& util = New();
+  for (int i = 0; i < 1000; ++i) {
+    engine.Answer(util, "setDimMode", {S(i % 2 == 0 ? "true" : "false")});
+    if (i % 100 == 0) clock.Advance(std::chrono::seconds(1));
+  }
+  EXPECT_EQ(engine.Answer(util, "getDimMode"), "FALSE");
+  Settle();
+  EXPECT_EQ(StoredSetting("autolight"), "false");
+  clock.AwaitSleepers(1);
+  EXPECT_EQ(Count("Light Sensor Thread beginning"), 1);
+}
+
+// The kernel keeps fifteen characters.
+TEST_F(LightSensorLifeTest, TheThreadsCarryTheirNames) {
+  New();
+  std::string names;
+  for (const auto& task : fs::directory_iterator("/proc/self/task")) {
+    names += ReadFile(task.path().string() + "/comm");
+  }
+  EXPECT_NE(names.find("Light Sensor Th\n"), std::string::npos) << names;
+  EXPECT_NE(names.find("ZQUtil Class Mo\n"), std::string::npos) << names;
 }
 
 TEST_F(LightSensorLifeTest, BrightnessSetByAScriptIsTheLastWordUntilTheLightChanges) {

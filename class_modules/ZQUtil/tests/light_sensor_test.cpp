@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "ZQScreen.h"
+#include "bus_calls.h"
 #include "child_process.h"
 #include "manual_clock.h"
 #include "module_fixture.h"
@@ -272,6 +273,62 @@ TEST_F(LightSensorTest, ADescriptor0IsNoDevice) {
     return Life() == "Light Sensor Thread beginning\nUnable to open /dev/i2c-0\n" ? 0 : 2;
   });
   EXPECT_EQ(AwaitChild(child), 0);
+}
+
+TEST_F(LightSensorTest, ABacklightWithDescriptor0IsNoDevice) {
+  bAutoMode = true;
+  const pid_t child = InChild([this] {
+    AtNextSelection([] { close(0); });  // after the bus was opened
+    if (threadAutoScreenDim(nullptr) != -1) return 1;
+    return Life() == "Light Sensor Thread beginning\nUnable to open /proc/blctrl\n" ? 0 : 2;
+  });
+  EXPECT_EQ(AwaitChild(child), 0);
+}
+
+TEST_F(LightSensorTest, AsksTheDevicesInThisOrderInEachCycle) {
+  olddat = 21;
+  SetSensor("ready = after 2 reads");
+  bAutoMode = true;
+  TakeBusCalls();
+  Begin();
+  // The last step of the first cycle's ramp.
+  Ramp(20);
+  AtNextSleep();
+  bAutoMode = false;
+  clock.Advance(milliseconds(20));
+  clock.AwaitSleepers(1);
+  std::string expected =
+      "open /dev/i2c-0 2\nselect 52\nopen /proc/blctrl 2\n"
+      "write 39 5: 4 0 0 0 0\nread 39 5: 4\nread 39 5: 4\nread 39 5: 4\n";
+  for (int x = 21; x > 0; --x) expected += "level 32: " + std::to_string(x * 3 / 4) + "\n";
+  expected += "close /proc/blctrl\nclose /dev/i2c-0\n";
+  EXPECT_EQ(TakeBusCalls(), expected);
+}
+
+TEST_F(LightSensorTest, ClosesTheBusWhenTheChipOrTheBacklightIsMissing) {
+  bAutoMode = true;
+  SetSensor("address = 0x35");
+  TakeBusCalls();
+  threadAutoScreenDim(nullptr);
+  EXPECT_EQ(TakeBusCalls(), "open /dev/i2c-0 2\nselect 52\nclose /dev/i2c-0\n");
+  SetSensor("");
+  fs::rename(OnThisMachine(kBacklight), OnThisMachine("/proc/aside"));
+  threadAutoScreenDim(nullptr);
+  fs::rename(OnThisMachine("/proc/aside"), OnThisMachine(kBacklight));
+  EXPECT_EQ(TakeBusCalls(), "open /dev/i2c-0 2\nselect 52\nopen /proc/blctrl 2\nclose /dev/i2c-0\n");
+}
+
+TEST_F(LightSensorTest, ABacklightThatTakesNoLevelCutsNoRampShort) {
+  SetLight(30);
+  bAutoMode = true;
+  RefuseLevels(true);
+  Begin();
+  std::string unchanged;
+  for (int step = 0; step < 30; ++step) unchanged += "0,";
+  EXPECT_EQ(Ramp(30), unchanged);
+  RefuseLevels(false);
+  while (olddat != 30) std::this_thread::yield();
+  Rest();
 }
 
 TEST_F(LightSensorTest, SelectsTheChipOrSaysWhyNot) {

@@ -1,12 +1,26 @@
 // Volumes, brightness, contrast and dim mode as scripts set and read them.
 #include <gtest/gtest.h>
 
+#include <sstream>
+
+#include "BrightnessScale.h"
 #include "ContrastScale.h"
 #include "ZQScreen.h"
 #include "audio_volume.h"
 #include "module_fixture.h"
 
 namespace {
+
+// The traces with those of the settings' writers, which come when they like, at the end.
+std::string WritersLast(const std::string& traces) {
+  std::istringstream lines(traces);
+  std::string others;
+  std::string writers;
+  for (std::string line; std::getline(lines, line);) {
+    (line.rfind("Writing INI FIle", 0) == 0 ? writers : others) += line + "\n";
+  }
+  return others + writers;
+}
 
 class VolumesAndScreenTest : public ModuleTest {
  protected:
@@ -44,6 +58,32 @@ TEST_F(VolumesAndScreenTest, VolumesAreClamped) {
     EXPECT_EQ(Set(setter, S("-99999999999999999999"), getter), "0");
     EXPECT_EQ(Set(setter, S(" 42abc"), getter), "42");
     EXPECT_EQ(Set(setter, S("loud"), getter), "0");
+  }
+}
+
+TEST_F(VolumesAndScreenTest, VolumesAndLevelsAreStoredClamped) {
+  const std::pair<const char*, const char*> settings[] = {{"setPhoneVolume", "phoneVolume"},
+                                                          {"setMediaVolume", "mediaVolume"},
+                                                          {"setMicVolume", "micVolume"},
+                                                          {"setBrightness", "brightness"}};
+  for (const auto& [setter, key] : settings) {
+    for (const auto& [text, stored] :
+         std::vector<std::pair<const char*, const char*>>{{"150", "100"},
+                                                          {"-5", "0"},
+                                                          {"101", "100"},
+                                                          {"100", "100"},
+                                                          {"99", "99"},
+                                                          {"1", "1"},
+                                                          {"0", "0"},
+                                                          {"-1", "0"},
+                                                          {"4294967296", "100"},
+                                                          {"-9223372036854775809", "0"},
+                                                          {"12.9", "12"},
+                                                          {"", "0"}}) {
+      Answer(setter, {S(text)});
+      Settle();
+      EXPECT_EQ(StoredSetting(key), stored) << setter << " " << text;
+    }
   }
 }
 
@@ -128,6 +168,80 @@ TEST_F(VolumesAndScreenTest, ContrastStepsAreClampedAndMapped) {
   EXPECT_EQ(Answer("getContrast"), "10");
   Settle();
   EXPECT_EQ(StoredSetting("contrast"), "15");
+}
+
+TEST_F(VolumesAndScreenTest, EachContrastStepStoresItsBoardValueAndIsReportedAgain) {
+  std::string stored;
+  std::string reported;
+  for (int step = -1; step <= 12; ++step) {
+    Answer("setContrast", {N(step)});
+    Settle();
+    stored += StoredSetting("contrast") + " ";
+    reported += Answer("getContrast") + " ";
+  }
+  EXPECT_EQ(stored, "16 16 16 17 19 21 23 25 27 28 29 30 30 30 ");
+  EXPECT_EQ(reported, "1 1 1 2 3 4 5 6 7 8 9 10 10 10 ");
+}
+
+TEST_F(VolumesAndScreenTest, AContrastThatIsNoNumberIsTheFirstStepAndALargeOneTheLast) {
+  EXPECT_EQ(Set("setContrast", S("sharp"), "getContrast"), "1");
+  EXPECT_EQ(Set("setContrast", S("99999999999999999999"), "getContrast"), "10");
+  EXPECT_EQ(Set("setContrast", S("-99999999999999999999"), "getContrast"), "1");
+  EXPECT_EQ(Set("setContrast", S(" 5x"), "getContrast"), "5");
+}
+
+TEST_F(VolumesAndScreenTest, EveryStoredContrastIsReportedAsItsStep) {
+  std::string steps;
+  Object* current = &util;
+  for (int board = 14; board <= 31; ++board) {
+    Settle();
+    Drop(*current);
+    WriteFile("zqutil.ini", "[config]\ncontrast=" + std::to_string(board) + "\n");
+    current = &New();
+    steps += engine.Answer(*current, "getContrast") + " ";
+  }
+  EXPECT_EQ(steps, "10 10 1 2 2 3 4 4 5 5 6 6 7 7 8 9 10 10 ");
+}
+
+TEST_F(VolumesAndScreenTest, TheScreenConvertsByTheScales) {
+  const ZQScreen& screen = *ZQUtil::m_pInstance->screen;
+  for (int32_t value = -2; value <= 300; ++value) {
+    EXPECT_EQ(screen.BoardContrastToGUIContrast(value), ContrastStepOfBoard(value));
+    EXPECT_EQ(screen.GUIContrastToBoardContrast(value), ContrastBoardOfStep(value));
+    EXPECT_EQ(screen.BoardBrightnessToGUIBrightness(value), BrightnessPercentOfBoard(value));
+    EXPECT_EQ(screen.GUIBrightnessToBoardBrightness(value), BrightnessBoardOfPercent(value));
+  }
+}
+
+TEST_F(VolumesAndScreenTest, TracesScreenCalls) {
+  Answer("getBrightness");
+  Answer("getContrast");
+  Answer("getDimMode");
+  EXPECT_EQ(Traces(),
+            "ZQUtil GUI Call to GetBrightness\ngetBrightness returning 255\nZQUtil GUI Call to GetContrast\n"
+            "getContrast returning 17\nZQUtil GUI Call to GetDimMode\n");
+}
+
+TEST_F(VolumesAndScreenTest, TracesScreenSettersTheNewValueAndTheOld) {
+  const auto tracesOf = [this](const char* setter, zq_Value value) {
+    Settle();
+    ForgetTraces();
+    Answer(setter, {value});
+    Settle();
+    return WritersLast(Traces());
+  };
+  EXPECT_EQ(tracesOf("setBrightness", N(137)),
+            "ZQUtil GUI Call to SetBrightness\nsetBrightness 100 (255)\n"
+            "ZQUtil Asynchronous config write (2)\ngetBrightness returning 100\n"
+            "ZQUtil opening /proc/blctrl\nZqUtil Writing screen brightness\ngetBrightness returning 100\n"
+            "Writing INI FIle Int config, brightness, 100, zqutil.ini\n");
+  EXPECT_EQ(tracesOf("setContrast", N(3)),
+            "ZQUtil GUI Call to SetContrast\nsetContrast 19\nZQUtil Asynchronous config write (3)\n"
+            "getContrast returning 19\nWriting INI FIle Int config, contrast, 19, zqutil.ini\n");
+  EXPECT_EQ(tracesOf("setDimMode", S("True")),
+            "ZQUtil GUI Call to SetDimMode\nWriting INI FIle String config, autolight, true, zqutil.ini\n")
+      << "at once, not by the queue";
+  EXPECT_EQ(tracesOf("setBrightness", ZQ_VALUE_NULL), "ZQUtil GUI Call to SetBrightness\n");
 }
 
 TEST_F(VolumesAndScreenTest, DimModeIsOnForTrueInAnyCaseOnly) {
