@@ -7,7 +7,7 @@ set -eu
 strange=$(nm -D --defined-only "$1" | awk '$3 !~ /^__odr_asan/ {print $3}' | c++filt | grep -vE \
   '^(MM_(Load|Unload|InitWrapper|TermWrapper|Init|Term)|ZQUtil_[A-Za-z0-9]+|iso_8859_1s_to_utf8s)$' | grep -vE \
   '^((typeinfo|vtable|typeinfo name) for )?(ZQUtil|ZQNetwork|ZQAudioVolume|ZQScreen|ZQDateTime)(::|$)' | grep -vE \
-  '^(threadConfigWrite|my_nvram_write_key|threadAutoScreenDim|setslaveadr|native_initialize|native_set_speaker_level)\(' | grep -vE \
+  '^(threadConfigWrite|my_nvram_write_key|threadAutoScreenDim|threadRestartNetwork|setslaveadr|native_initialize|native_set_speaker_level)\(' | grep -vE \
   '^(ZQPopen|ZQCopyFile|ZQBasename|ZQString_appendCharacter|ZQTrimmedPathLength)\(' ||
   true)
 if [ -n "$strange" ]; then
@@ -25,3 +25,7 @@ if nm -D --defined-only "$1" | c++filt | grep -E 'ZQUtil::(On|Save|Report)[A-Z]'
   echo "exported, though private" >&2
   exit 1
 fi
+readelf -d "$1" | grep -q NODELETE || {
+  echo 'a host that lets the library go takes the code from under its threads' >&2
+  exit 1
+}

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "ZQNetworkRestart.h"
 #include "ZQUtilEntryPoints.h"
 #include "ZQUtilPersistence.h"
 #include "light_sensor.h"
@@ -27,6 +28,7 @@ void ResetDevice() {
   fs::remove_all("cache");
   fs::create_directory("cache");
   for (const char* copy : {"/var/lib/zq/nvram0", "/var/lib/zq/nvram1"}) fs::remove(copy);
+  for (const char* trigger : {"/tmp/do_S12", "/tmp/done_S12"}) fs::remove(trigger);
   WriteFile("/proc/blctrl", "0");
   // No light sensor: the backlight is brightness's alone, unless a test puts one in.
   fs::remove(OnThisMachine("/dev/i2c-0"));
@@ -75,10 +77,18 @@ ModuleTest::~ModuleTest() {
   while (!live_.empty()) Drop(*live_.back());
   Unload();
   EndLightSensor();
+  EndRestarts();
 }
 
 void ModuleTest::EndLightSensor() {
   while (!zq_ThreadAwaitEnd(threadAutoScreenDim, 1)) clock.Advance(std::chrono::seconds(1));
+}
+
+void ModuleTest::EndRestarts() {
+  while (!zq_ThreadAwaitEnd(threadRestartNetwork, 1)) {
+    WriteFile("/tmp/done_S12", "1");
+    clock.Advance(std::chrono::seconds(1));
+  }
 }
 
 int32_t ModuleTest::Load(uint32_t bytes) {

@@ -32,6 +32,8 @@ class ModuleTest : public testing::Test {
 
   // Moves the clock until no light-sensor thread is left. Every screen must be gone.
   void EndLightSensor();
+  // Tells network restarts that wait that the system's script is done, until none waits.
+  void EndRestarts();
 
   // Returns when the module has nothing left to do at this instant: queue idle, settings written.
   static void Settle();
