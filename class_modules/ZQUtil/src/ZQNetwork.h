@@ -37,20 +37,25 @@ class ZQUTIL_API ZQNetwork {
   char* getConfiguredESSID();
   char* getProxy();
 
-  // Changes; the proxy ones on the script thread. Texts are stripped of line breaks in place.
+  // Changes; the proxy ones on the script thread. Texts are stripped of line breaks in place. A store that cannot be
+  // opened leaves everything as it was.
   void setProxyEnabled(bool enabled);
   void setProxy(char* proxy);
   // Sets or removes the environment variable "http_proxy" as "net.proxy" and "net.proxyen" say. Script
   // thread.
   void ConditionallyEnableProxy();
+  // Takes line breaks out, in place; of two that follow each other only the first. Null is ignored.
   void StripCarriageReturn(char* text);
+  // Set-ups: any text may be null, an index of 0 or less is none. They end in restartNetwork and its result; -1 when
+  // the store cannot be opened. The wireless ones scan when no network was ever seen.
   int32_t setWiredNetworkDHCP();
-  int32_t setWiredNetworkStatic(char* ip, char* netmask, char* primaryDns, char* secondaryDns, char* gateway);
+  void setWiredNetworkStatic(char* ip, char* netmask, char* primaryDns, char* secondaryDns, char* gateway);
   int32_t setWirelessNetworkDHCP(char* ssid, char* netAuth, char* encryption, char* keyType, char* key,
                                  int32_t index, char* wpaType);
   int32_t setWirelessNetworkStatic(char* ip, char* netmask, char* primaryDns, char* secondaryDns,
                                    char* gateway, char* ssid, char* netAuth, char* encryption, char* keyType,
                                    char* key, int32_t index, char* wpaType);
+  // Begins a restart and the connectivity monitor's steps; 1, or 0 when there is no queue (ZQNetworkRestart.h).
   int32_t restartNetwork();
 
   // What the kernel says now. New strings are the caller's (zq__free), never null. Any thread.
