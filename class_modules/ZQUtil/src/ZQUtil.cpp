@@ -72,7 +72,7 @@ void ZQUtil::Dereference() {
 }
 
 ZQUtil::ZQUtil() : zq_MsgQ(nullptr, nullptr) {
-  zqwww_init();
+  httpPrepared = zqwww_init() == 1;
   // What a singleton before this one has set is on its way to the file that is read now.
   AwaitConfigWrites();
 
@@ -122,7 +122,7 @@ ZQUtil::~ZQUtil() {
   screen = nullptr;
   delete dateTime;
   dateTime = nullptr;
-  zqwww_term();
+  if (httpPrepared) zqwww_term();
   Destroy(false);
   ZQUTIL_TRACE("ZQUtil Destructor End\n");
   zq_TraceRelease(ZQUtilTraceInstance.exchange(0));

@@ -198,6 +198,9 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   ZQUTIL_HIDDEN void OnBackgroundScan();
   ZQUTIL_HIDDEN void ReportConnectivity(const char* trace, const char* method);
   ZQUTIL_HIDDEN void SaveConfig(int32_t kind);
+
+  // This object's share of the HTTP library, to be given back.
+  bool httpPrepared = false;
 };
 
 // Posts a message of the module to its own queue. False when there is no queue: what the parameter points to

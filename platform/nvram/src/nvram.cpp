@@ -33,9 +33,12 @@ Desk& TheDesk() {
   return desk;
 }
 
+constexpr char kMissing[] = "it is not in the store";
+
 int Fail(const char* what, const char* key, const std::string& why) {
-  zq_Trace(0, ZQ_TRACE_FAILURE, 1, true, "nvram: cannot %s%s%s: %s", what, *key != '\0' ? " " : "", key,
-           why.c_str());
+  // Programs ask for keys that nobody has set yet: no cause for concern.
+  const int level = why == kMissing ? ZQ_TRACE_NORMAL : ZQ_TRACE_FAILURE;
+  zq_Trace(0, level, 1, true, "nvram: cannot %s%s%s: %s", what, *key != '\0' ? " " : "", key, why.c_str());
   return -1;
 }
 
@@ -100,7 +103,7 @@ int nvram_read_key(int handle, void* /*reserved*/, const char* key, char* buffer
   return With(handle, "read", key, [=](const Store& store) -> std::string {
     if (buffer == nullptr || size == 0) return "there is no buffer";
     const std::optional<std::string> value = store.Get(key);
-    if (!value) return "it is not in the store";
+    if (!value) return kMissing;
     const size_t length = value->copy(buffer, size - 1);
     buffer[length] = '\0';
     return {};

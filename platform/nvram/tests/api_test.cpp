@@ -4,6 +4,7 @@
 #include "nvram_fixture.h"
 #include "run_program.h"
 #include "trace_capture.h"
+#include "zq_trace.h"
 
 namespace {
 
@@ -178,8 +179,10 @@ TEST_F(NvramApiTest, SaysInTheTraceWhyACallFailed) {
   EXPECT_TRUE(trace.Has("nvram: cannot write a=b: the key has a \"=\""));
   EXPECT_EQ(Value("lang"), "(missing)");
   EXPECT_TRUE(trace.Has("nvram: cannot read lang: it is not in the store"));
+  EXPECT_EQ(trace.Lines().back().level, ZQ_TRACE_NORMAL) << "a key that nobody has set is no failure";
   nvram_close(-1);
   EXPECT_TRUE(trace.Has("nvram: cannot close: the handle is not open"));
+  EXPECT_EQ(trace.Lines().back().level, ZQ_TRACE_FAILURE);
 }
 
 TEST_F(NvramApiTest, ServesAConfigWithOneCopy) {

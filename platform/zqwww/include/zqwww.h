@@ -29,8 +29,8 @@
 extern "C" {
 #endif
 
-// Prepares the transport and TLS libraries for the process. Counted: each call is paired with one zqwww_term.
-// Returns 1, or 0 when they cannot be prepared. Any thread.
+// Prepares the transport and TLS libraries for the process. Counted: each call that returned 1 is
+// paired with one zqwww_term. Returns 1, or 0 when they cannot be prepared. Any thread.
 ZQWWW_API int zqwww_init(void);
 // The last one gives back what the libraries hold, once no connection is left. Without an init before, does
 // nothing.
