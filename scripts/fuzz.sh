@@ -2,7 +2,7 @@
 # Runs each fuzz target for the given seconds, from its corpus; what it finds stays in build-fuzz/found.
 set -eu
 cd "$(dirname "$0")/.."
-scripts/build-preset.sh fuzz
+scripts/build-preset.sh fuzz --target fuzz_targets
 mkdir -p build-fuzz/found
 for target in build-fuzz/fuzz/*_fuzz; do
   name=$(basename "$target")
