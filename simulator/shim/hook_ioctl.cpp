@@ -6,6 +6,7 @@
 #include "device_table.h"
 #include "i2c_bus.h"
 #include "next.h"
+#include "wireless_driver.h"
 
 ZQSIM_NEXT(ioctl)
 
@@ -18,5 +19,6 @@ ZQSIM_HOOK int ioctl(int descriptor, unsigned long request, ...) noexcept {
     OpenDevice* const bus = FindDevice(descriptor, DeviceKind::kI2cBus);
     if (bus != nullptr) return AnswerI2c(*bus, request, argument);
   }
+  if (IsWirelessRequest(descriptor, request)) return AnswerWireless(request, argument);
   return NEXT(ioctl)(descriptor, request, argument);
 }

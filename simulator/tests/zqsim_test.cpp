@@ -39,7 +39,8 @@ constexpr const char* kBus = "dev/\ndev/i2c-0\n";
 constexpr const char* kSystem =
     "etc/\netc/client.tag\netc/firmware.ver\netc/fw_env.config\netc/resolv.conf\netc/software.ver\n";
 constexpr const char* kHardware = "hw/\nhw/README\nhw/display.ini\n";
-constexpr const char* kLightAndSound = "hw/light\nhw/light.ini\nhw/mixer.ini\n";
+constexpr const char* kLightSoundAndRadio =
+    "hw/light\nhw/light.ini\nhw/mixer.ini\nhw/ra0/\nhw/ra0/cells.ini\nhw/ra0/link.ini\n";
 constexpr const char* kPlaces = "media/\nproc/\n";
 constexpr const char* kRoute = "proc/net/\nproc/net/route\nrun/\nrun/lock/\nsys/\nsys/class/\n";
 constexpr const char* kBattery =
@@ -55,7 +56,7 @@ std::string Link(const std::string& name) {
 
 TEST_F(Zqsim, MakesAPhoneForTheHome) {
   EXPECT_EQ(Create(Root()), "0 ");
-  EXPECT_EQ(Listing(), std::string(kStart) + kBus + kSystem + kHardware + kLightAndSound + kPlaces +
+  EXPECT_EQ(Listing(), std::string(kStart) + kBus + kSystem + kHardware + kLightSoundAndRadio + kPlaces +
                            "proc/blctrl\nproc/boardrev\n" + kRoute + kBattery + "sys/class/net/\n" +
                            Link("eth0") + Link("ra0") + kEnd);
   EXPECT_EQ(Shell("cd /sys/class/hwmon/hwmon5/device/mrst_batmon && cat charge vbat /etc/client.tag"),
@@ -64,7 +65,7 @@ TEST_F(Zqsim, MakesAPhoneForTheHome) {
 
 TEST_F(Zqsim, MakesATablet) {
   EXPECT_EQ(DeviceTest::Zqsim({"create", Root(), "--profile", "tablet"}).status, 0);
-  EXPECT_EQ(Listing(), std::string(kStart) + kBus + kSystem + kHardware + kLightAndSound + kPlaces +
+  EXPECT_EQ(Listing(), std::string(kStart) + kBus + kSystem + kHardware + kLightSoundAndRadio + kPlaces +
                            "proc/blctrl\nproc/boardrev\n" + kRoute + kBattery + "sys/class/net/\n" +
                            Link("ra0") + kEnd);
   EXPECT_EQ(Shell("cd /sys/class/hwmon/hwmon5/device/mrst_batmon && cat charge vbat"), "2\n390\n");
