@@ -18,6 +18,7 @@ constexpr PathRule kDeviceRoots[] = {
     {"/var/lib/zq", Owner::kDevice, "the key store's copies"},
     {"/var/lock", Owner::kDevice, "locks of the device's programs"},
     {"/run/lock", Owner::kDevice, "the same, by its newer name"},
+    {"/usr/share/zoneinfo", Owner::kSharedFolder, "the installed time zones"},
 };
 
 constexpr PathRule kExceptions[] = {
@@ -125,6 +126,11 @@ Owner OwnerOf(std::string_view path, const DeviceView& view) {
   if (Match(path, view.root) > decisive) return Owner::kMachine;
   if (LongestHostPath(path, view.hostPaths) > decisive) return Owner::kMachine;
   return best->owner;
+}
+
+std::string_view SharedFolderOf(std::string_view path) {
+  const PathRule* rule = LongestMatch(kDeviceRoots, path);
+  return rule != nullptr ? rule->prefix : path;
 }
 
 std::string_view SeenFromDevice(std::string_view path, const DeviceView& view) {

@@ -11,7 +11,9 @@
 enum class Owner {
   kMachine,  // the machine's file, whatever is done to it
   kDevice,   // the file of that path under the device's root, or none
-  kShared    // the device's when it has one, else the machine's to read; a change is always the device's
+  kShared,   // the device's when it has one, else the machine's to read; a change is always the device's
+  // The same of a whole folder: one that the device brings hides all of the machine's.
+  kSharedFolder
 };
 
 struct PathRule {
@@ -20,7 +22,7 @@ struct PathRule {
   const char* reason;
 };
 
-// The device's own places.
+// The device's own places, and a folder that it may bring.
 std::span<const PathRule> DeviceRoots();
 // What below them is the machine's after all, or shared; each lies below a root, so is longer.
 std::span<const PathRule> Exceptions();
@@ -34,6 +36,9 @@ struct DeviceView {
 
 // The owner of an absolute path without dots (see lexical_path.h).
 Owner OwnerOf(std::string_view path, const DeviceView& view);
+
+// The folder that decides for a path whose owner is kSharedFolder.
+std::string_view SharedFolderOf(std::string_view path);
 
 // The same device path when `path`, absolute and without dots, is one under the device's root that a process
 // on the device reaches without it; else `path` unchanged.

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "lexical_path.h"
 #include "path_rules.h"
@@ -36,7 +37,8 @@ bool MappedPath::Map(const char* path, Use use) {
   memcpy(buffer_ + view->root.size(), device.data(), device.size());
   buffer_[view->root.size() + device.size()] = '\0';
   text_ = buffer_;
-  if (owner == Owner::kShared && use == Use::kLook && !Exists()) {
+  const size_t deciding = owner == Owner::kSharedFolder ? SharedFolderOf(device).size() : device.size();
+  if (owner != Owner::kDevice && use == Use::kLook && !BeginningExists(view->root.size() + deciding)) {
     text_ = path;
     return true;
   }
@@ -49,6 +51,13 @@ bool MappedPath::Exists() const {
   struct statx ignored;
   const bool exists = syscall(SYS_statx, AT_FDCWD, text_, AT_SYMLINK_NOFOLLOW, STATX_TYPE, &ignored) == 0;
   errno = before;
+  return exists;
+}
+
+bool MappedPath::BeginningExists(size_t length) {
+  const char next = std::exchange(buffer_[length], '\0');
+  const bool exists = Exists();
+  buffer_[length] = next;
   return exists;
 }
 

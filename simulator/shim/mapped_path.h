@@ -33,6 +33,8 @@ class MappedPath {
 
  private:
   bool Map(const char* path, Use use);
+  // Whether there is something at so many characters of the buffer.
+  bool BeginningExists(size_t length);
   bool Allowed(Use use) const;
 
   const char* text_;

@@ -77,6 +77,26 @@ TEST_F(Device, ASharedFileIsTheDevicesOnceItHasItsOwn) {
             "sh: 2: cannot create /proc/sys/vm/drop_caches: Directory nonexistent\nstatus 2\n");
 }
 
+TEST_F(Device, TheZonesAreTheMachinesUntilTheDeviceBringsItsOwn) {
+  ASSERT_TRUE(fs::exists("/usr/share/zoneinfo/US/Eastern"));
+  EXPECT_EQ(
+      Shell(
+          "cd /usr/share/zoneinfo && ls -d US GMT && test -s US/Eastern && test -s /usr/share/zoneinfo/GMT"),
+      "GMT\nUS\n");
+  fs::create_directories(Place("/usr/share/zoneinfo/US"));
+  WriteFile(Place("/usr/share/zoneinfo/US/Own"), "own\n");
+  EXPECT_EQ(Shell("find /usr/share/zoneinfo | sort; cat /usr/share/zoneinfo/US/Own /usr/share/zoneinfo/GMT"),
+            "/usr/share/zoneinfo\n/usr/share/zoneinfo/US\n/usr/share/zoneinfo/US/Own\nown\n"
+            "cat: /usr/share/zoneinfo/GMT: No such file or directory\nstatus 1\n");
+  EXPECT_EQ(Shell("ls -d /usr/share/doc"), "/usr/share/doc\n");
+}
+
+TEST_F(Device, AZoneOfTheMachineIsNotTheDevicesToChange) {
+  EXPECT_EQ(Shell("echo x > /usr/share/zoneinfo/GMT; rm /usr/share/zoneinfo/GMT"),
+            "sh: 2: cannot create /usr/share/zoneinfo/GMT: Directory nonexistent\n"
+            "rm: cannot remove '/usr/share/zoneinfo/GMT': No such file or directory\nstatus 1\n");
+}
+
 TEST_F(Device, HostPathsStayTheMachines) {
   const TempDir host;
   WriteFile(host / "file", "machine\n");

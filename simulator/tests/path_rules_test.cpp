@@ -14,11 +14,18 @@ Owner Of(std::string_view path) {
 
 TEST(PathRules, EachRootAndAllBelowItIsTheDevices) {
   for (const PathRule& rule : DeviceRoots()) {
-    EXPECT_EQ(rule.owner, Owner::kDevice) << rule.prefix;
-    EXPECT_EQ(Of(rule.prefix), Owner::kDevice) << rule.prefix;
-    EXPECT_EQ(Of(std::string(rule.prefix) + "/none/at/all"), Owner::kDevice) << rule.prefix;
+    EXPECT_EQ(Of(rule.prefix), rule.owner) << rule.prefix;
+    EXPECT_EQ(Of(std::string(rule.prefix) + "/none/at/all"), rule.owner) << rule.prefix;
     EXPECT_EQ(Of(std::string(rule.prefix) + "x"), Owner::kMachine) << rule.prefix;
   }
+}
+
+TEST(PathRules, TheZonesAreTheFolderThatADeviceMayBring) {
+  EXPECT_EQ(Of("/usr/share/zoneinfo/US/Eastern"), Owner::kSharedFolder);
+  EXPECT_EQ(SharedFolderOf("/usr/share/zoneinfo/US/Eastern"), "/usr/share/zoneinfo");
+  EXPECT_EQ(SharedFolderOf("/usr/share/zoneinfo"), "/usr/share/zoneinfo");
+  EXPECT_EQ(Of("/usr/share"), Owner::kMachine);
+  for (const PathRule& rule : Exceptions()) EXPECT_NE(rule.owner, Owner::kSharedFolder) << rule.prefix;
 }
 
 TEST(PathRules, EachExceptionLiesBelowARootAndDecidesThere) {
