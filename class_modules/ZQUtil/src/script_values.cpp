@@ -16,9 +16,27 @@ const char* ScriptArguments::Text(uint32_t index) const {
   return toString(values_[index], &scratch);
 }
 
-void ReturnString(const char* text, zq_Value* result) {
+namespace {
+
+// False when the host makes none.
+bool MakeString(const char* text, zq_Value* value) {
   const auto newString = engine::NewString();
-  if (newString == nullptr || result == nullptr) return;
+  if (newString == nullptr) return false;
   // The engine's lengths count the terminating NUL.
-  newString(text, static_cast<uint32_t>(std::strlen(text)) + 1, result);
+  return newString(text, static_cast<uint32_t>(std::strlen(text)) + 1, value) != 0;
+}
+
+}  // namespace
+
+void ReturnString(const char* text, zq_Value* result) {
+  if (result != nullptr) MakeString(text, result);
+}
+
+void SetValueProperty(void* object, const char* name, zq_Value value) {
+  if (const auto setProperty = engine::SetProperty()) setProperty(object, name, &value);
+}
+
+void SetTextProperty(void* object, const char* name, const char* text) {
+  zq_Value value = ZQ_VALUE_VOID;
+  if (MakeString(text != nullptr ? text : "", &value)) SetValueProperty(object, name, value);
 }

@@ -31,4 +31,13 @@ inline void ReturnInteger(int32_t number, zq_Value* result) {
   if (result != nullptr) *result = ZQ_VALUE_FROM_INT(number);
 }
 
+// Sets a property of an object; nothing when the host sets none. Any thread within a request.
+void SetValueProperty(void* object, const char* name, zq_Value value);
+// The same with a string made of the text, of "" for null; nothing when the host makes none.
+void SetTextProperty(void* object, const char* name, const char* text);
+// The word of an object's handle.
+inline zq_Value ObjectValue(void* object) {
+  return reinterpret_cast<zq_Value>(object);
+}
+
 #endif

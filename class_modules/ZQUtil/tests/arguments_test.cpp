@@ -108,7 +108,7 @@ TEST_P(MissingServiceTest, EveryMethodEndsAsItPromises) {
   CallAll([&](const std::string& method, const Arguments& arguments) {
     zq_Value result = ZQ_VALUE_VOID;
     EXPECT_EQ(engine.Call(util, method, arguments, &result), reachable ? Promised(method, arguments) : 0);
-    if (missing == ZQ_SLOT_NEW_STRING && method != "batteryPct") {
+    if (missing == ZQ_SLOT_NEW_STRING && method != "batteryPct" && method != "getTZList") {
       EXPECT_EQ(result, ZQ_VALUE_VOID);
     }
   });

@@ -13,12 +13,12 @@
 namespace {
 
 constexpr char kAllMethods[] =
-    "constructor/0 getFirstTime/0 setFirstTime/1 getPhoneVolume/0 setPhoneVolume/1 MutePhone/0 UnmutePhone/0 "
-    "getMediaVolume/0 setMediaVolume/1 getMicVolume/0 setMicVolume/1 MuteMic/0 UnmuteMic/0 getBrightness/0 "
-    "setBrightness/1 getContrast/0 setContrast/1 getDimMode/0 setDimMode/1 screenStandby/0 appLog/3 "
-    "isTablet/0 "
-    "batteryPct/0 "
-    "chargeStatus/0 "
+    "constructor/0 getFirstTime/0 setFirstTime/1 getPhoneVolume/0 setPhoneVolume/1 MutePhone/0 "
+    "UnmutePhone/0 getMediaVolume/0 setMediaVolume/1 getMicVolume/0 setMicVolume/1 MuteMic/0 UnmuteMic/0 "
+    "getBrightness/0 setBrightness/1 getContrast/0 setContrast/1 getDimMode/0 setDimMode/1 "
+    "screenStandby/0 getTZList/0 getNTPEnabled/0 setNTPEnabled/1 getPrimaryNTPServer/0 "
+    "setPrimaryNTPServer/1 getSecondaryNTPServer/0 setSecondaryNTPServer/1 setTime/1 setTZ/1 getTZ/0 "
+    "getMilitaryTimeEnabled/0 setMilitaryTimeEnabled/1 appLog/3 isTablet/0 batteryPct/0 chargeStatus/0 "
     "getIniSetting/2 setIniSetting/3 deleteIniFile/1 writeFile/2 deleteFile/1 utf8Encode/1 ";
 
 // Each script name with the symbol of the function that answers it.
@@ -43,6 +43,18 @@ constexpr std::pair<const char*, const char*> kAllWrappers[] = {
     {"getDimMode", "ZQUtil_GetDimMode"},
     {"setDimMode", "ZQUtil_SetDimMode"},
     {"screenStandby", "ZQUtil_ScreenStandby"},
+    {"getTZList", "ZQUtil_GetTZList"},
+    {"getNTPEnabled", "ZQUtil_GetNTPEnabled"},
+    {"setNTPEnabled", "ZQUtil_SetNTPEnabled"},
+    {"getPrimaryNTPServer", "ZQUtil_GetPrimaryNTPServer"},
+    {"setPrimaryNTPServer", "ZQUtil_SetPrimaryNTPServer"},
+    {"getSecondaryNTPServer", "ZQUtil_GetSecondaryNTPServer"},
+    {"setSecondaryNTPServer", "ZQUtil_SetSecondaryNTPServer"},
+    {"setTime", "ZQUtil_SetTime"},
+    {"setTZ", "ZQUtil_SetTZ"},
+    {"getTZ", "ZQUtil_GetTZ"},
+    {"getMilitaryTimeEnabled", "ZQUtil_GetMilitaryTimeEnabled"},
+    {"setMilitaryTimeEnabled", "ZQUtil_SetMilitaryTimeEnabled"},
     {"appLog", "ZQUtil_AppLog"},
     {"isTablet", "ZQUtil_IsTablet"},
     {"batteryPct", "ZQUtil_BatteryPct"},

@@ -5,7 +5,7 @@
 set -eu
 # A build with the address sanitizer adds marks of its own to each variable.
 strange=$(nm -D --defined-only "$1" | awk '$3 !~ /^__odr_asan/ {print $3}' | c++filt | grep -vE \
-  '^(MM_(Load|Unload|InitWrapper|TermWrapper|Init|Term)|ZQUtil_[A-Za-z0-9]+|iso_8859_1s_to_utf8s)$' | grep -vE \
+  '^(MM_(Load|Unload|InitWrapper|TermWrapper|Init|Term)|ZQUtil_[A-Za-z0-9]+|iso_8859_1s_to_utf8s|tztable)$' | grep -vE \
   '^((typeinfo|vtable|typeinfo name) for )?(ZQUtil|ZQNetwork|ZQAudioVolume|ZQScreen|ZQDateTime)(::|$)' | grep -vE \
   '^(threadConfigWrite|my_nvram_write_key|threadAutoScreenDim|threadRestartNetwork|setslaveadr|native_initialize|native_set_speaker_level)\(' | grep -vE \
   '^(ZQPopen|ZQCopyFile|ZQBasename|ZQString_appendCharacter|ZQTrimmedPathLength)\(' ||
@@ -21,6 +21,10 @@ for name in MM_Load MM_Unload MM_InitWrapper MM_TermWrapper MM_Init MM_Term ZQUt
     exit 1
   }
 done
+nm -D --defined-only "$1" | grep -q ' [DR] tztable$' || {
+  echo "not exported: tztable" >&2
+  exit 1
+}
 if nm -D --defined-only "$1" | c++filt | grep -E 'ZQUtil::(On|Save|Report)[A-Z]'; then
   echo "exported, though private" >&2
   exit 1
