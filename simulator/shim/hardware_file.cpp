@@ -1,6 +1,7 @@
 #include "hardware_file.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -56,6 +57,21 @@ size_t ReadHardware(const char* name, char* buffer, size_t size) {
   const long length = syscall(SYS_read, file, buffer, size);
   syscall(SYS_close, file);
   return length > 0 ? static_cast<size_t>(length) : 0;
+}
+
+bool HasHardware(const char* name) {
+  return HardwareChangedAt(name) != kNoFile;
+}
+
+int64_t HardwareChangedAt(const char* name) {
+  const HardwarePath path(name);
+  return path.Text() != nullptr ? FileChangedAt(path.Text()) : kNoFile;
+}
+
+int64_t FileChangedAt(const char* place) {
+  struct statx facts;
+  if (syscall(SYS_statx, AT_FDCWD, place, 0, STATX_MTIME, &facts) != 0) return kNoFile;
+  return facts.stx_mtime.tv_sec * 1'000'000'000 + facts.stx_mtime.tv_nsec;
 }
 
 bool ReplaceHardware(const char* name, std::string_view text) {

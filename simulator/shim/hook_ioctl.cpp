@@ -5,6 +5,7 @@
 
 #include "device_table.h"
 #include "i2c_bus.h"
+#include "interface_driver.h"
 #include "next.h"
 #include "wireless_driver.h"
 
@@ -20,5 +21,6 @@ ZQSIM_HOOK int ioctl(int descriptor, unsigned long request, ...) noexcept {
     if (bus != nullptr) return AnswerI2c(*bus, request, argument);
   }
   if (IsWirelessRequest(descriptor, request)) return AnswerWireless(request, argument);
+  if (IsInterfaceRequest(request) && IsDeviceSocket(descriptor)) return AnswerInterface(request, argument);
   return NEXT(ioctl)(descriptor, request, argument);
 }

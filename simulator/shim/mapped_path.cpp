@@ -9,6 +9,7 @@
 #include <cstring>
 #include <utility>
 
+#include "kernel_files.h"
 #include "lexical_path.h"
 #include "path_rules.h"
 #include "world.h"
@@ -43,6 +44,7 @@ bool MappedPath::Map(const char* path, Use use) {
     return true;
   }
   driver_ = IsDriverFile(device);
+  if (driver_ && use == Use::kLook) FollowInterfaces(device, text_);
   return Allowed(use);
 }
 

@@ -39,8 +39,9 @@ constexpr const char* kBus = "dev/\ndev/i2c-0\n";
 constexpr const char* kSystem =
     "etc/\netc/client.tag\netc/firmware.ver\netc/fw_env.config\netc/resolv.conf\netc/software.ver\n";
 constexpr const char* kHardware = "hw/\nhw/README\nhw/display.ini\n";
-constexpr const char* kLightSoundAndRadio =
-    "hw/light\nhw/light.ini\nhw/mixer.ini\nhw/ra0/\nhw/ra0/cells.ini\nhw/ra0/link.ini\n";
+constexpr const char* kWired = "hw/eth0.ini\n";
+constexpr const char* kLightAndSound = "hw/light\nhw/light.ini\nhw/mixer.ini\n";
+constexpr const char* kAir = "hw/ra0/\nhw/ra0/cells.ini\nhw/ra0/link.ini\n";
 constexpr const char* kPlaces = "media/\nproc/\n";
 constexpr const char* kRoute = "proc/net/\nproc/net/route\nrun/\nrun/lock/\nsys/\nsys/class/\n";
 constexpr const char* kBattery =
@@ -54,27 +55,32 @@ std::string Link(const std::string& name) {
   return folder + "\n" + folder + "address\n" + folder + "carrier\n" + folder + "operstate\n";
 }
 
+constexpr const char* kRadio =
+    "sys/class/net/ra0/wireless/\nsys/class/net/ra0/wireless/link\nsys/devices/\nsys/devices/virtual/\n"
+    "sys/devices/virtual/net/\nsys/devices/virtual/net/ra0/\nsys/devices/virtual/net/ra0/wireless/\n"
+    "sys/devices/virtual/net/ra0/wireless/link\n";
+
 TEST_F(Zqsim, MakesAPhoneForTheHome) {
   EXPECT_EQ(Create(Root()), "0 ");
-  EXPECT_EQ(Listing(), std::string(kStart) + kBus + kSystem + kHardware + kLightSoundAndRadio + kPlaces +
-                           "proc/blctrl\nproc/boardrev\n" + kRoute + kBattery + "sys/class/net/\n" +
-                           Link("eth0") + Link("ra0") + kEnd);
+  EXPECT_EQ(Listing(), std::string(kStart) + kBus + kSystem + kHardware + kWired + kLightAndSound + kAir +
+                           kPlaces + "proc/blctrl\nproc/boardrev\n" + kRoute + kBattery + "sys/class/net/\n" +
+                           Link("eth0") + Link("ra0") + kRadio + kEnd);
   EXPECT_EQ(Shell("cd /sys/class/hwmon/hwmon5/device/mrst_batmon && cat charge vbat /etc/client.tag"),
             "8\n367\nhome-phone\n");
 }
 
 TEST_F(Zqsim, MakesATablet) {
   EXPECT_EQ(DeviceTest::Zqsim({"create", Root(), "--profile", "tablet"}).status, 0);
-  EXPECT_EQ(Listing(), std::string(kStart) + kBus + kSystem + kHardware + kLightSoundAndRadio + kPlaces +
+  EXPECT_EQ(Listing(), std::string(kStart) + kBus + kSystem + kHardware + kLightAndSound + kAir + kPlaces +
                            "proc/blctrl\nproc/boardrev\n" + kRoute + kBattery + "sys/class/net/\n" +
-                           Link("ra0") + kEnd);
+                           Link("ra0") + kRadio + kEnd);
   EXPECT_EQ(Shell("cd /sys/class/hwmon/hwmon5/device/mrst_batmon && cat charge vbat"), "2\n390\n");
 }
 
 TEST_F(Zqsim, MakesABareBoard) {
   EXPECT_EQ(DeviceTest::Zqsim({"create", "--profile=bare", Root()}).status, 0);
-  EXPECT_EQ(Listing(), std::string(kStart) + kSystem + kHardware + kPlaces + kRoute + "sys/class/net/\n" +
-                           Link("eth0") + kEnd);
+  EXPECT_EQ(Listing(), std::string(kStart) + kSystem + kHardware + kWired + kPlaces + kRoute +
+                           "sys/class/net/\n" + Link("eth0") + kEnd);
   EXPECT_EQ(ReadFile(Place("/.zq-device")), "bare\n");
 }
 

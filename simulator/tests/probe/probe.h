@@ -31,6 +31,7 @@ std::span<const ProbeRow> NameRows();
 std::span<const ProbeRow> ProgramRows();
 std::span<const ProbeRow> DisplayRows();
 std::span<const ProbeRow> DeviceRows();
+std::span<const ProbeRow> InterfaceRows();
 
 // A device path that nothing has; another at each call.
 std::string Fresh();
