@@ -25,12 +25,16 @@ std::string Position(JSContextRef context, JSValueRef thrown) {
   JSObjectRef error = JSValueToObject(context, thrown, nullptr);
   const std::string file = TextProperty(context, error, "sourceURL");
   if (file.empty()) return {};
-  std::string position = file + ":";
-  for (const char* part : {"line", "column"}) {
-    const std::string number = TextProperty(context, error, part);
-    if (!number.empty()) position += number + ":";
+  const std::string line = TextProperty(context, error, "line");
+  if (line.empty()) return file + ": ";
+  // Of a syntax error the engine knows the line alone; the column is that of the call which loaded the script. Any
+  // other error's place is in its stack.
+  const std::string place = file + ":" + line + ":" + TextProperty(context, error, "column");
+  std::istringstream stack(TextProperty(context, error, "stack"));
+  for (std::string frame; std::getline(stack, frame);) {
+    if (frame.ends_with(place)) return place + ": ";
   }
-  return position + " ";
+  return file + ":" + line + ": ";
 }
 
 }  // namespace

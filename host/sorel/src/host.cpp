@@ -88,6 +88,8 @@ void Host::End() {
   runtime.RequestExit(EXIT_SUCCESS);
   FinalizeAll();
   EndModules();
+  // A reader may take its time with a program that ends by itself.
+  FlushOutput();
   zq_ExitProcess(runtime.ExitStatus());
 }
 

@@ -1,5 +1,6 @@
 #include "output.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -15,11 +16,28 @@ constexpr char kToLineStart[] = "\r\033[K";
 std::atomic<bool> g_abovePrompt{false};
 std::atomic<bool> g_disturbed{false};
 
+// What the end of the process waits for a reader that takes nothing.
+constexpr int kLastWordsMs = 1000;
+constexpr int kLookMs = 10;
+
+// On whichever thread ends the process. The script thread may sit in a write to a reader that is stuck, with the
+// stream's lock held: a module that ends the device's process for a new start is not kept from it.
+void SayLastWords() {
+  for (int waited = 0; ftrylockfile(stdout) != 0; waited += kLookMs) {
+    if (waited >= kLastWordsMs) return;
+    usleep(kLookMs * 1000);
+  }
+  // A pipe that can be written takes a page, which is all that the stream holds back for one.
+  pollfd reader{STDOUT_FILENO, POLLOUT, 0};
+  if (poll(&reader, 1, kLastWordsMs) == 1) fflush_unlocked(stdout);
+  funlockfile(stdout);
+}
+
 }  // namespace
 
 void SetUpOutput() {
   if (isatty(STDOUT_FILENO) != 0) setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
-  at_quick_exit(FlushOutput);
+  at_quick_exit(SayLastWords);
 }
 
 void WriteLine(const std::string& text, bool toStderr) {

@@ -7,7 +7,7 @@
 namespace sorel {
 
 // Called once at the start; from then on the output is complete however the process ends in order
-// (zq_ExitProcess).
+// (zq_ExitProcess), unless its reader takes nothing for a second.
 void SetUpOutput();
 // Writes the text and a line break.
 void WriteLine(const std::string& text, bool toStderr);

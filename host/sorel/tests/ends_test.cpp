@@ -1,7 +1,12 @@
 // How the program ends when it is told to: signals, and what is said when something is wrong.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <unistd.h>
 
+#include <stdexcept>
+
+#include "child_process.h"
 #include "sorel_run.h"
 #include "terminal_program.h"
 
@@ -77,6 +82,85 @@ TEST_F(Ends, ASyntaxErrorIsOneLineWithItsPlace) {
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.output, "");
   EXPECT_EQ(result.errors, run.File("test.js") + ":3: SyntaxError: Unexpected token ';'\n");
+}
+
+TEST_F(Ends, ASyntaxErrorInALoadedScriptHasTheLineOfItsOwn) {
+  run.AddFile("bad.js", "print(1);\n\nvar a =    ;");
+  const ProgramResult result = run.Run("  load('bad.js');");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors.substr(0, result.errors.find('\n')),
+            run.File("bad.js") + ":3: SyntaxError: Unexpected token ';'");
+}
+
+// A script whose standard output is a pipe that nobody reads yet.
+class PipedScript {
+ public:
+  explicit PipedScript(const std::vector<std::string>& words) {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+    reader_ = ends[0];
+    child_ = InChild([&] {
+      dup2(ends[1], STDOUT_FILENO);
+      std::vector<char*> arguments;
+      for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
+      arguments.push_back(nullptr);
+      execv(arguments[0], arguments.data());
+      return 127;
+    });
+    close(ends[1]);
+  }
+  PipedScript(const PipedScript&) = delete;
+  PipedScript& operator=(const PipedScript&) = delete;
+  ~PipedScript() { close(reader_); }
+
+  // The exit status; a program that does not end is killed, which is -9.
+  int AwaitEnd() const {
+    for (int look = 0; look < 3000; ++look) {
+      int status = 0;
+      if (waitpid(child_, &status, WNOHANG) == child_) {
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+      }
+      usleep(10000);
+    }
+    kill(child_, SIGKILL);
+    return AwaitChild(child_);
+  }
+  // To its end.
+  std::string Read() const {
+    std::string all;
+    char block[4096];
+    for (ssize_t count = 0; (count = read(reader_, block, sizeof block)) > 0;) {
+      all.append(block, static_cast<size_t>(count));
+    }
+    return all;
+  }
+
+ private:
+  int reader_;
+  pid_t child_;
+};
+
+TEST_F(Ends, AModuleEndsTheProcessThoughNobodyReadsWhatItsScriptPrints) {
+  run.AddFile("test.js", "new Probe().endProcessLater(7, 100); for (;;) print('a line that nobody reads');");
+  EXPECT_EQ(PipedScript(run.Command("test.js")).AwaitEnd(), 7) << "the script's thread is in a write";
+  run.AddFile("test.js", "print('x'.repeat(65535)); print('more'); new Probe().endProcess(7);");
+  EXPECT_EQ(PipedScript(run.Command("test.js")).AwaitEnd(), 7) << "the pipe is full";
+}
+
+TEST_F(Ends, WhatWasPrintedBeforeAModuleEndedTheProcessIsThere) {
+  run.AddFile("test.js", "print('last words'); new Probe().endProcess(7);");
+  const PipedScript script(run.Command("test.js"));
+  EXPECT_EQ(script.AwaitEnd(), 7);
+  EXPECT_EQ(script.Read(), "last words\n");
+}
+
+TEST_F(Ends, AReaderThatTakesItsTimeMissesNothing) {
+  run.AddFile("test.js", "print('x'.repeat(65535)); print('more');");
+  const PipedScript script(run.Command("test.js"));
+  usleep(2000000);  // longer than a module's end would wait
+  EXPECT_EQ(script.Read(), std::string(65535, 'x') + "\nmore\n");
+  EXPECT_EQ(script.AwaitEnd(), 0);
 }
 
 }  // namespace

@@ -330,6 +330,19 @@ int32_t EndProcess(void*, uint32_t, zq_Value* argv, zq_Value*) {
   return 1;
 }
 
+// The same after so many milliseconds, while the script goes on.
+int32_t EndProcessLater(void*, uint32_t, zq_Value* argv, zq_Value*) {
+  int32_t status = 0;
+  int32_t milliseconds = 0;
+  g_services.Get<zq_ValueToInt>(ZQ_SLOT_VALUE_TO_INT)(argv[0], &status);
+  g_services.Get<zq_ValueToInt>(ZQ_SLOT_VALUE_TO_INT)(argv[1], &milliseconds);
+  std::thread([status, milliseconds] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    quick_exit(status);
+  }).detach();
+  return 1;
+}
+
 struct Row {
   const char* name;
   zq_NativeMethod method;
@@ -368,6 +381,7 @@ constexpr Row kMethods[] = {
     {"callUntilRefused", CallUntilRefused, 0},
     {"counts", Counts, 0},
     {"endProcess", EndProcess, 1},
+    {"endProcessLater", EndProcessLater, 2},
     {"sleep", Sleep, 1},
 };
 
