@@ -9,6 +9,23 @@
 #include <vector>
 
 namespace sorel {
+namespace {
+
+// What the caller named is the machine's, also below a folder that the device has too, like /tmp. (The simulator reads
+// the variable: paths between colons.)
+void KeepOnMachine(const std::vector<std::string>& arguments) {
+  const char* const variable = "ZQ_SIM_HOST_PATHS";
+  const char* const before = getenv(variable);
+  std::string paths = before != nullptr ? before : "";
+  for (const std::string& argument : arguments) {
+    std::error_code error;
+    if (!argument.starts_with('/') || !std::filesystem::exists(argument, error)) continue;
+    paths += (paths.empty() ? "" : ":") + argument;
+  }
+  setenv(variable, paths.c_str(), 1);
+}
+
+}  // namespace
 
 bool OnDevice() {
   const char* device = getenv("ZQ_DEVICE");
@@ -23,6 +40,7 @@ std::string EnterDevice(const Options& options) {
   std::vector<std::string> words = {simulator, "run", options.device, "--", self.string()};
   const std::vector<std::string> arguments = ArgumentsFor(options, folder.string());
   words.insert(words.end(), arguments.begin(), arguments.end());
+  KeepOnMachine(arguments);
   std::vector<char*> pointers;
   pointers.reserve(words.size() + 1);
   for (std::string& word : words) pointers.push_back(word.data());
