@@ -9,18 +9,18 @@ export CCACHE_NOHASHDIR = true
 export CCACHE_SLOPPINESS = pch_defines,time_macros
 
 .DEFAULT_GOAL := build
-.PHONY: help packages build run test quick lint bench fuzz coverage install format clean $(PRESETS_TESTED:%=test-%)
+.PHONY: help deps packages build run test quick lint bench fuzz coverage install format clean $(PRESETS_TESTED:%=test-%)
 
 help:  ## this list
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / {printf "  make %-10s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
 
-packages:
+deps:
 	@scripts/install-packages.sh
 
-build: packages  ## build everything (build/bin, build/lib)
+build: deps  ## build everything (build/bin, build/lib)
 	@scripts/build-preset.sh release
 
-run: packages  ## run the example script on a simulated home-phone in ./device
+run: deps  ## run the example script on a simulated home-phone in ./device
 	@scripts/build-preset.sh release --target product
 	@build/bin/sorel --device $(DEVICE) examples/first.js
 	@scripts/show-device.sh $(DEVICE)
@@ -31,13 +31,13 @@ test: lint test-release test-asan test-tsan test-clang  ## everything: lint, bot
 quick: build  ## the tests that take seconds
 	@scripts/run-ctest.sh build -LE slow
 
-lint: packages  ## formatting, static analysis, shell scripts
+lint: deps  ## formatting, static analysis, shell scripts
 	@scripts/lint.sh
 
-test-asan test-tsan: test-%: packages
+test-asan test-tsan: test-%: deps
 	@scripts/test-preset.sh $*
 
-test-clang: packages
+test-clang: deps
 	@scripts/build-preset.sh clang
 
 test-release: build
@@ -46,17 +46,22 @@ bench: build  ## measure; every ratio comes from one run
 	@scripts/bench.sh build
 
 FUZZ_SECONDS ?= 30
-fuzz: packages  ## run every fuzz target for FUZZ_SECONDS each
+fuzz: deps  ## run every fuzz target for FUZZ_SECONDS each
 	@scripts/fuzz.sh $(FUZZ_SECONDS)
 
-coverage: packages  ## executed lines of class_modules and platform
+coverage: deps  ## executed lines of class_modules and platform
 	@scripts/coverage.sh
 
-install: build  ## install below PREFIX (default /usr/local), DESTDIR honoured
+install: deps  ## install below PREFIX (default /usr/local), DESTDIR honoured
+	@scripts/build-preset.sh release --target product
 	@cmake --install build $(if $(PREFIX),--prefix $(PREFIX))
 
-format: packages  ## rewrite the sources in the house's format
+packages: deps  ## make Debian packages (build-package/packages)
+	@scripts/build-preset.sh package
+	@cd build-package && cpack
+
+format: deps  ## rewrite the sources in the house's format
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
 clean:
-	rm -rf build build-asan build-tsan build-clang build-coverage build-fuzz
+	rm -rf build build-asan build-tsan build-clang build-coverage build-fuzz build-package

@@ -17,6 +17,9 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 # Both are one text: CMake would else pad the shorter one with an empty entry, by which the loader
 # looks for every library in the working folder first.
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../lib")
+if(NOT CMAKE_INSTALL_LIBDIR STREQUAL "lib")
+  list(APPEND CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+endif()
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 
 find_program(CCACHE ccache)
