@@ -19,7 +19,10 @@ const kinds = {
 
 const present = (args, index) => index < args.length && args[index] !== undefined && args[index] !== null;
 const first = (args, count) => [...Array(count).keys()].every((index) => present(args, index));
+const listener = (args) => args.length !== 1 || !present(args, 0) || Object(args[0]) === args[0];
 const accepts = {
+  registerConnectivityListener: listener,
+  registerUpdateListener: listener,
   getIniSetting: (args) => first(args, 2),
   setIniSetting: (args) => args.length === 3 && first(args, 2),
   deleteIniFile: (args) => args.length === 2 && first(args, 2),

@@ -11,48 +11,50 @@
 #include "engine.h"
 #include "module_api.h"
 
-#define ZQUTIL_METHODS(METHOD, FUNCTION)                      \
-  FUNCTION("constructor", 0, ZQUtil_constructor)              \
-  METHOD("getFirstTime", 0, GetFirstTime)                     \
-  METHOD("setFirstTime", 1, SetFirstTime)                     \
-  METHOD("getPhoneVolume", 0, GetPhoneVolume)                 \
-  METHOD("setPhoneVolume", 1, SetPhoneVolume)                 \
-  METHOD("MutePhone", 0, MutePhone)                           \
-  METHOD("UnmutePhone", 0, UnmutePhone)                       \
-  METHOD("getMediaVolume", 0, GetMediaVolume)                 \
-  METHOD("setMediaVolume", 1, SetMediaVolume)                 \
-  METHOD("getMicVolume", 0, GetMicVolume)                     \
-  METHOD("setMicVolume", 1, SetMicVolume)                     \
-  METHOD("MuteMic", 0, MuteMic)                               \
-  METHOD("UnmuteMic", 0, UnmuteMic)                           \
-  METHOD("getBrightness", 0, GetBrightness)                   \
-  METHOD("setBrightness", 1, SetBrightness)                   \
-  METHOD("getContrast", 0, GetContrast)                       \
-  METHOD("setContrast", 1, SetContrast)                       \
-  METHOD("getDimMode", 0, GetDimMode)                         \
-  METHOD("setDimMode", 1, SetDimMode)                         \
-  METHOD("screenStandby", 0, ScreenStandby)                   \
-  METHOD("getTZList", 0, GetTZList)                           \
-  METHOD("getNTPEnabled", 0, GetNTPEnabled)                   \
-  METHOD("setNTPEnabled", 1, SetNTPEnabled)                   \
-  METHOD("getPrimaryNTPServer", 0, GetPrimaryNTPServer)       \
-  METHOD("setPrimaryNTPServer", 1, SetPrimaryNTPServer)       \
-  METHOD("getSecondaryNTPServer", 0, GetSecondaryNTPServer)   \
-  METHOD("setSecondaryNTPServer", 1, SetSecondaryNTPServer)   \
-  METHOD("setTime", 1, SetTime)                               \
-  METHOD("setTZ", 1, SetTZ)                                   \
-  METHOD("getTZ", 0, GetTZ)                                   \
-  METHOD("getMilitaryTimeEnabled", 0, GetMilitaryTimeEnabled) \
-  METHOD("setMilitaryTimeEnabled", 1, SetMilitaryTimeEnabled) \
-  METHOD("appLog", 3, AppLog)                                 \
-  METHOD("isTablet", 0, IsTablet)                             \
-  METHOD("batteryPct", 0, BatteryPct)                         \
-  METHOD("chargeStatus", 0, ChargeStatus)                     \
-  METHOD("getIniSetting", 2, GetIniSetting)                   \
-  METHOD("setIniSetting", 3, SetIniSetting)                   \
-  METHOD("deleteIniFile", 1, DeleteIniFile)                   \
-  METHOD("writeFile", 2, WriteFile)                           \
-  METHOD("deleteFile", 1, DeleteFile)                         \
+#define ZQUTIL_METHODS(METHOD, FUNCTION)                                  \
+  FUNCTION("constructor", 0, ZQUtil_constructor)                          \
+  METHOD("registerConnectivityListener", 1, RegisterConnectivityListener) \
+  METHOD("checkConnectivity", 1, CheckConnectivity)                       \
+  METHOD("getFirstTime", 0, GetFirstTime)                                 \
+  METHOD("setFirstTime", 1, SetFirstTime)                                 \
+  METHOD("getPhoneVolume", 0, GetPhoneVolume)                             \
+  METHOD("setPhoneVolume", 1, SetPhoneVolume)                             \
+  METHOD("MutePhone", 0, MutePhone)                                       \
+  METHOD("UnmutePhone", 0, UnmutePhone)                                   \
+  METHOD("getMediaVolume", 0, GetMediaVolume)                             \
+  METHOD("setMediaVolume", 1, SetMediaVolume)                             \
+  METHOD("getMicVolume", 0, GetMicVolume)                                 \
+  METHOD("setMicVolume", 1, SetMicVolume)                                 \
+  METHOD("MuteMic", 0, MuteMic)                                           \
+  METHOD("UnmuteMic", 0, UnmuteMic)                                       \
+  METHOD("getBrightness", 0, GetBrightness)                               \
+  METHOD("setBrightness", 1, SetBrightness)                               \
+  METHOD("getContrast", 0, GetContrast)                                   \
+  METHOD("setContrast", 1, SetContrast)                                   \
+  METHOD("getDimMode", 0, GetDimMode)                                     \
+  METHOD("setDimMode", 1, SetDimMode)                                     \
+  METHOD("screenStandby", 0, ScreenStandby)                               \
+  METHOD("getTZList", 0, GetTZList)                                       \
+  METHOD("getNTPEnabled", 0, GetNTPEnabled)                               \
+  METHOD("setNTPEnabled", 1, SetNTPEnabled)                               \
+  METHOD("getPrimaryNTPServer", 0, GetPrimaryNTPServer)                   \
+  METHOD("setPrimaryNTPServer", 1, SetPrimaryNTPServer)                   \
+  METHOD("getSecondaryNTPServer", 0, GetSecondaryNTPServer)               \
+  METHOD("setSecondaryNTPServer", 1, SetSecondaryNTPServer)               \
+  METHOD("setTime", 1, SetTime)                                           \
+  METHOD("setTZ", 1, SetTZ)                                               \
+  METHOD("getTZ", 0, GetTZ)                                               \
+  METHOD("getMilitaryTimeEnabled", 0, GetMilitaryTimeEnabled)             \
+  METHOD("setMilitaryTimeEnabled", 1, SetMilitaryTimeEnabled)             \
+  METHOD("appLog", 3, AppLog)                                             \
+  METHOD("isTablet", 0, IsTablet)                                         \
+  METHOD("batteryPct", 0, BatteryPct)                                     \
+  METHOD("chargeStatus", 0, ChargeStatus)                                 \
+  METHOD("getIniSetting", 2, GetIniSetting)                               \
+  METHOD("setIniSetting", 3, SetIniSetting)                               \
+  METHOD("deleteIniFile", 1, DeleteIniFile)                               \
+  METHOD("writeFile", 2, WriteFile)                                       \
+  METHOD("deleteFile", 1, DeleteFile)                                     \
   METHOD("utf8Encode", 1, UTF8Encode)
 
 struct ZQUtilMethod {

@@ -13,7 +13,8 @@
 namespace {
 
 constexpr char kAllMethods[] =
-    "constructor/0 getFirstTime/0 setFirstTime/1 getPhoneVolume/0 setPhoneVolume/1 MutePhone/0 "
+    "constructor/0 registerConnectivityListener/1 checkConnectivity/1 getFirstTime/0 setFirstTime/1 "
+    "getPhoneVolume/0 setPhoneVolume/1 MutePhone/0 "
     "UnmutePhone/0 getMediaVolume/0 setMediaVolume/1 getMicVolume/0 setMicVolume/1 MuteMic/0 UnmuteMic/0 "
     "getBrightness/0 setBrightness/1 getContrast/0 setContrast/1 getDimMode/0 setDimMode/1 "
     "screenStandby/0 getTZList/0 getNTPEnabled/0 setNTPEnabled/1 getPrimaryNTPServer/0 "
@@ -24,6 +25,8 @@ constexpr char kAllMethods[] =
 // Each script name with the symbol of the function that answers it.
 constexpr std::pair<const char*, const char*> kAllWrappers[] = {
     {"constructor", "ZQUtil_constructor"},
+    {"registerConnectivityListener", "ZQUtil_RegisterConnectivityListener"},
+    {"checkConnectivity", "ZQUtil_CheckConnectivity"},
     {"getFirstTime", "ZQUtil_GetFirstTime"},
     {"setFirstTime", "ZQUtil_SetFirstTime"},
     {"getPhoneVolume", "ZQUtil_GetPhoneVolume"},

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "TimeDrift.h"
+#include "ZQNetwork.h"
 #include "module_fixture.h"
 #include "zq_memory.h"
 #include "zq_socket.h"
@@ -91,6 +92,7 @@ TEST_F(MessageLoopTest, APendingUpdateHoldsTheCheckBackUnlessAListenerWaitsForIt
 
 TEST_F(MessageLoopTest, ANetworkRestartStartsTheMonitorAfresh) {
   Start();
+  Singleton().network->connectionState = 3;  // where the monitor itself does nothing
   Singleton().connectivityReported = false;
   Singleton().interfaceWaits = 9;
   Post(ZQ_MSG_TIMER, 0, kTimerNetworkStatus);
@@ -100,7 +102,7 @@ TEST_F(MessageLoopTest, ANetworkRestartStartsTheMonitorAfresh) {
   EXPECT_TRUE(Singleton().connectivityReported);
   EXPECT_EQ(Singleton().interfaceWaits, 0);
   EXPECT_EQ(Traces(),
-            "ZQUtil Network State Check Timer, state is 0\nZQUtil Network State Check Timer, state is 0\n");
+            "ZQUtil Network State Check Timer, state is 3\nZQUtil Network State Check Timer, state is 3\n");
 }
 
 TEST_F(MessageLoopTest, OtherTimersAndTypesAreIgnored) {
