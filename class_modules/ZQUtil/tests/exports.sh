@@ -5,9 +5,9 @@
 set -eu
 # A build with the address sanitizer adds marks of its own to each variable.
 strange=$(nm -D --defined-only "$1" | awk '$3 !~ /^__odr_asan/ {print $3}' | c++filt | grep -vE \
-  '^(MM_(Load|Unload|InitWrapper|TermWrapper|Init|Term)|ZQUtil_[A-Za-z0-9]+|iso_8859_1s_to_utf8s|tztable)$' | grep -vE \
+  '^(MM_(Load|Unload|InitWrapper|TermWrapper|Init|Term)|ZQUtil_[A-Za-z0-9]+|iso_8859_1s_to_utf8s|tztable|(de)?registerFileMonitor)$' | grep -vE \
   '^((typeinfo|vtable|typeinfo name) for )?(ZQUtil|ZQNetwork|ZQAudioVolume|ZQScreen|ZQDateTime)(::|$)' | grep -vE \
-  '^(threadConfigWrite|my_nvram_write_key|threadAutoScreenDim|threadRestartNetwork|setslaveadr|native_initialize|native_set_speaker_level)\(' | grep -vE \
+  '^(threadConfigWrite|my_nvram_write_key|threadAutoScreenDim|threadRestartNetwork|threadFileMonitor|setslaveadr|native_initialize|native_set_speaker_level)\(' | grep -vE \
   '^(ZQPopen|ZQCopyFile|ZQBasename|ZQString_appendCharacter|ZQTrimmedPathLength)\(' ||
   true)
 if [ -n "$strange" ]; then
@@ -15,7 +15,7 @@ if [ -n "$strange" ]; then
   exit 1
 fi
 for name in MM_Load MM_Unload MM_InitWrapper MM_TermWrapper MM_Init MM_Term ZQUtil_constructor ZQUtil_finalizer \
-  ZQUtil_BatteryPct iso_8859_1s_to_utf8s; do
+  ZQUtil_BatteryPct iso_8859_1s_to_utf8s registerFileMonitor deregisterFileMonitor; do
   nm -D --defined-only "$1" | grep -q " T $name\$" || {
     echo "not exported: $name" >&2
     exit 1
