@@ -12,11 +12,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "completion.h"
 #include "errors.h"
 #include "js_text.h"
+#include "method_help.h"
 #include "output.h"
 #include "runtime.h"
 #include "script.h"
@@ -31,11 +33,14 @@ constexpr char kHelp[] =
     "Type a line of script; its value is shown. Tab completes names and, after a dot, methods.\n"
     "  new ZQUtil()   the device's services, by methods of this object\n"
     "  load(\"FILE\")   run a script      exit(STATUS)   end\n"
-    "  .help          this              .exit          end, as Ctrl-D does";
+    "  .help          this              .help METHOD   what a method does\n"
+    "  .exit          end, as Ctrl-D does";
+constexpr char kHelpOfMethod[] = ".help ";
 
 // readline's callbacks carry no data: the one prompt of the process.
 JSContextRef g_context = nullptr;
 std::vector<std::string> g_candidates;
+std::vector<MethodHelp> g_help;
 termios g_terminal{};
 std::atomic<bool> g_taken{false};  // the terminal is readline's, to be given back as g_terminal says
 
@@ -58,6 +63,17 @@ void EvaluateLine(const std::string& line) {
   }
 }
 
+void ShowHelpOf(std::string name) {
+  name.erase(0, name.find_first_not_of(" \t"));
+  // "util.getIP()" as well as "getIP"
+  name = name.substr(0, name.find_first_of("( \t"));
+  name = name.substr(name.rfind('.') + 1);
+  const MethodHelp* const help = FindHelp(g_help, name);
+  WriteLine(help != nullptr ? ShowHelp(*help)
+                            : "no help for \"" + name + "\": type .help and Tab for what there is",
+            false);
+}
+
 void OnLine(char* typed) {
   if (typed == nullptr) {
     WriteLine("", false);
@@ -73,6 +89,8 @@ void OnLine(char* typed) {
     Runtime::Get().RequestExit(EXIT_SUCCESS);
   } else if (line == ".help") {
     WriteLine(kHelp, false);
+  } else if (line.starts_with(kHelpOfMethod)) {
+    ShowHelpOf(line.substr(sizeof kHelpOfMethod - 1));
   } else {
     EvaluateLine(line);
   }
@@ -93,8 +111,27 @@ char** Complete(const char* word, int start, int end) {
   // What readline takes for the word ends in our prefix, and may begin with the object.
   const std::string before(word, static_cast<size_t>(end - start) - unfinished.prefix.size());
   g_candidates.clear();
-  for (const std::string& name : PropertyNames(g_context, unfinished)) g_candidates.push_back(before + name);
+  if (std::string_view(rl_line_buffer).starts_with(kHelpOfMethod)) {
+    for (const MethodHelp& help : g_help) {
+      if (help.name.starts_with(unfinished.prefix)) g_candidates.push_back(before + help.name);
+    }
+  } else {
+    for (const std::string& name : PropertyNames(g_context, unfinished))
+      g_candidates.push_back(before + name);
+  }
   return rl_completion_matches(word, NextCandidate);
+}
+
+// The candidates, a line each, with the arguments of those that there is help for.
+void ShowCandidates(char** matches, int count, int /*longest*/) {
+  std::string shown;
+  for (int i = 1; i <= count; ++i) {
+    const std::string name = std::string(matches[i]).substr(std::string(matches[i]).rfind('.') + 1);
+    const MethodHelp* const help = FindHelp(g_help, name);
+    shown += "\n  " + (help != nullptr && help->name == name ? help->signature : name);
+  }
+  fprintf(rl_outstream, "%s\n", shown.c_str());
+  rl_forced_update_display();
 }
 
 void TakeTerminal() {
@@ -103,6 +140,7 @@ void TakeTerminal() {
   rl_readline_name = "sorel";
   rl_catch_signals = 0;
   rl_attempted_completion_function = Complete;
+  rl_completion_display_matches_hook = ShowCandidates;
   rl_completer_word_break_characters = " \t\n\"'`()[]{}<>=+-*/%&|^!~?:;,";
 }
 
@@ -110,6 +148,7 @@ void TakeTerminal() {
 
 void RunPrompt(JSContextRef context, Loop& loop) {
   g_context = context;
+  g_help = ReadTypingsFolder(TypingsFolder());
   TakeTerminal();
   const std::string history = HistoryFile();
   using_history();

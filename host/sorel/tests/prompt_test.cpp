@@ -72,6 +72,26 @@ TEST_F(Prompt, HelpIsGiven) {
   Start().Type(".help\r");
   EXPECT_TRUE(program_->Await(".exit"));
 }
+TEST_F(Prompt, TellsWhatAMethodDoes) {
+  TerminalProgram& program = Start();
+  program.Type(".help setTimeout\r");
+  EXPECT_TRUE(program.Await("setTimeout<A")) << program.Screen();
+  EXPECT_TRUE(program.Await("Calls `callback` once.")) << program.Screen();
+  program.Type(".help util.GETIP()\r");
+  EXPECT_TRUE(program.Await("getIP(): string\r\n")) << program.Screen();
+  program.Type(".help nothingOfThatName\r");
+  EXPECT_TRUE(program.Await("no help for \"nothingOfThatName\"")) << program.Screen();
+}
+TEST_F(Prompt, CompletesTheNamesThatThereIsHelpFor) {
+  Start().Type(".help setPrimaryN\t\r");
+  EXPECT_TRUE(program_->Await("setPrimaryNTPServer(")) << program_->Screen();
+}
+TEST_F(Prompt, ShowsTheArgumentsOfTheCandidates) {
+  Start().Type("clear\t\t");
+  EXPECT_TRUE(program_->Await("clearInterval(id?: number): void")) << program_->Screen();
+  program_->Type("\x15.exit\r");
+  EXPECT_EQ(program_->AwaitEnd(), 0);
+}
 TEST_F(Prompt, EveryWayOutGivesTheTerminalBack) {
   for (const std::string keys : {".exit\r", "\x04", "exit(0)\r"}) {
     Start().Type(keys);
