@@ -18,4 +18,12 @@ int CallAt(Next next, int folder, const char* path, Rest... rest) {
   return at.Ok() ? next(folder, at.Text(), rest...) : -1;
 }
 
+// Stands before a function that looks at what is at a path:
+//   int function(const char* path, Found* found)
+#define ZQSIM_LOOK(function, Found)                                  \
+  ZQSIM_NEXT(function)                                               \
+  ZQSIM_HOOK int function(const char* path, Found* found) noexcept { \
+    return Call<Use::kLook>(NEXT(function), path, found);            \
+  }
+
 #endif
