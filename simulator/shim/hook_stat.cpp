@@ -11,10 +11,10 @@ ZQSIM_NEXT(access)
 ZQSIM_NEXT(faccessat)
 ZQSIM_NEXT(euidaccess)
 
-ZQSIM_LOOK(stat, struct stat)
-ZQSIM_LOOK(stat64, struct stat64)
-ZQSIM_LOOK(lstat, struct stat)
-ZQSIM_LOOK(lstat64, struct stat64)
+ZQSIM_LOOK(stat)
+ZQSIM_LOOK(stat64)
+ZQSIM_LOOK(lstat)
+ZQSIM_LOOK(lstat64)
 
 ZQSIM_HOOK int fstatat(int folder, const char* path, struct stat* out, int flags) noexcept {
   return CallAt<Use::kLook>(NEXT(fstatat), folder, path, out, flags);

@@ -10,10 +10,10 @@ ZQSIM_NEXT(pathconf)
 ZQSIM_NEXT(inotify_add_watch)
 ZQSIM_NEXT(chdir)
 
-ZQSIM_LOOK(statvfs, struct statvfs)
-ZQSIM_LOOK(statvfs64, struct statvfs64)
-ZQSIM_LOOK(statfs, struct statfs)
-ZQSIM_LOOK(statfs64, struct statfs64)
+ZQSIM_LOOK(statvfs)
+ZQSIM_LOOK(statvfs64)
+ZQSIM_LOOK(statfs)
+ZQSIM_LOOK(statfs64)
 
 ZQSIM_HOOK long pathconf(const char* path, int name) noexcept {
   return Call<Use::kLook>(NEXT(pathconf), path, name);

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <sstream>
 #include <thread>
 
 #include "ZQNetwork.h"
@@ -96,10 +97,16 @@ TEST_F(NetworkRestartTest, LooksEachSecondUntilTheScriptIsDone) {
   EXPECT_FALSE(fs::exists(kDone));
   EXPECT_TRUE(fs::exists(kRequest)) << "the script's to take";
   EXPECT_EQ(Remaining(kTimerSoftwareUpdate), 60000U);
+  // The monitor, on the queue's thread, traces when it likes.
+  std::string restarts;
+  std::istringstream lines(Traces());
+  for (std::string line; std::getline(lines, line);) {
+    if (line.rfind("ZQUtil Network State Check Timer", 0) != 0) restarts += line + "\n";
+  }
   EXPECT_NE(
-      Traces().find(std::string(kLook) + "ZQUtil found /tmp/done_S12\nZQUtil Done with network restart\n"),
+      restarts.find(std::string(kLook) + "ZQUtil found /tmp/done_S12\nZQUtil Done with network restart\n"),
       std::string::npos)
-      << Traces();
+      << restarts;
 }
 
 TEST_F(NetworkRestartTest, AnAnswerToAnEarlierRequestIsNotTakenForThisOne) {
