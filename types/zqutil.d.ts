@@ -34,10 +34,13 @@ interface ZQAccessPoint {
 
 /** The network that the device is configured for. Empty text and zeros when it is configured for none. */
 interface ZQCurrentNetwork {
+  /** The network's name. */
   Name: string;
   /** As in {@link ZQAccessPoint}; 0 when the device is not connected. */
   Signal: number;
+  /** 1 when the network is encrypted, or 0. */
   Encrypted: 0 | 1;
+  /** 1 when the device is connected to it, or 0. */
   Connected: 0 | 1;
 }
 
@@ -81,25 +84,35 @@ interface ZQVersion {
 
 /** What an "about" screen shows. A text that cannot be found out is "". */
 interface ZQAbout {
+  /** As `getMACAddr` gives it. */
   MACAddr: string;
+  /** As `getIP` gives it. */
   IPAddr: string;
+  /** Whether the device is set up for wireless. */
   IsWireless: "True" | "False";
   /** The wireless network's name, or "Wired". */
   Network: string;
   /** As in {@link ZQAccessPoint}; 0 for a wired device. */
   SignalStrength: number;
+  /** As `getGateway` gives it. */
   Gateway: string;
+  /** As `getSubnetMask` gives it. */
   Subnet: string;
+  /** As `getPrimaryDNS` gives it. */
   DNS1: string;
+  /** As `getSecondaryDNS` gives it. */
   DNS2: string;
   /** As `getTZ` gives it. */
   Timezone: string;
+  /** Whether the clock follows network time. */
   UseNTP: "True" | "False";
-  /** The time servers; "" when network time is off. */
+  /** The first time server; "" when network time is off. */
   NTP1: string;
+  /** The second time server; "" when network time is off. */
   NTP2: string;
   /** As `GetVersion` gives it, with the device's number when the update server gave it one: "2.1.7 [ID=42]". */
   Firmware: string;
+  /** As `GetVersion` gives it. */
   Software: string;
 }
 
@@ -147,6 +160,7 @@ interface ZQUpdateListener {
 
 /** Hears the answer to `registerAboutListener`. */
 interface ZQAboutListener {
+  /** Called once for each registration. */
   onResult?(about: ZQAbout): void;
 }
 

@@ -77,7 +77,8 @@ class WireFaultTest(FaultTest):
         self.assertTrue(body_of(self.package("bad-chunk")).startswith(b"five\r\n"))
 
     def test_status_is_another(self):
-        for fault, status in (("redirect", b"302 Found"), ("404", b"404 Not Found"), ("500", b"500 Internal Server Error")):
+        for fault, status in (("redirect", b"302 Found"), ("404", b"404 Not Found"),
+                              ("500", b"500 Internal Server Error")):
             answer = self.package(fault)
             self.assertTrue(answer.startswith(b"HTTP/1.1 " + status + b"\r\n"), answer)
         self.assertIn(b"\r\nLocation: http://", self.package("redirect"))
@@ -112,7 +113,8 @@ class WireFaultTest(FaultTest):
             self.server.fault("check", name, 0)
             self.server.check(mac=f"02:00:00:00:00:{len(name):02x}")
             # The lines of the tests before come first; the one for this request follows, or the wait ends in a failure.
-            while not re.match(rf"check device=\d+ updates=\S+ peer=127\.0\.0\.1 fault={name} sent=", self.server.next_line()):
+            line = rf"check device=\d+ updates=\S+ peer=127\.0\.0\.1 fault={name} sent="
+            while not re.match(line, self.server.next_line()):
                 pass
 
 

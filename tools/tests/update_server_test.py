@@ -93,9 +93,9 @@ class UpdateServerTest(unittest.TestCase):
         def number(mac):
             return self.document(mac=mac).find("deviceid").get("yourId")
 
-        self.assertEqual([number(mac) for mac in ("02:00:00:00:00:01", "updates.invalid", "02-00-00-00-00-0A", "02:00:00:00:00:01",
-                                                  "02:00:00:00:00:0a", "another.invalid")],
-                         ["1", "2", "3", "1", "3", "2"])
+        asking = ("02:00:00:00:00:01", "updates.invalid", "02-00-00-00-00-0A", "02:00:00:00:00:01", "02:00:00:00:00:0a",
+                  "another.invalid")
+        self.assertEqual([number(mac) for mac in asking], ["1", "2", "3", "1", "3", "2"])
         self.assertEqual(support.read(os.path.join(self.server.folder, "devices.txt")),
                          "1 02:00:00:00:00:01\n2 127.0.0.1\n3 02:00:00:00:00:0a\n")
 
@@ -115,8 +115,8 @@ class UpdateServerTest(unittest.TestCase):
 
     def test_acknowledgements_form_is_checked(self):
         good = acknowledgement(1, 2)
-        accepted = [good, good.replace("/>", "></updateDone>"), good.replace('deviceId="1" updateId="2"', 'updateId="2" deviceId="1"'),
-                    good.replace("/></xml>", "/>\n</xml>")]
+        accepted = [good, good.replace("/>", "></updateDone>"),
+                    good.replace('deviceId="1" updateId="2"', 'updateId="2" deviceId="1"'), good.replace("/></xml>", "/>\n</xml>")]
         bad = ["", "x", good[:-10], good + "x", good.replace("<xml", "<?xml"), good.replace("1.0", "1.1"),
                good.replace('"2"', '"two"'), good.replace('"2"', '""'), good.replace('"2"', '"-2"'),
                good.replace('"2"', '"12345678901"'), good.replace("updateDone", "updatedone"), good + good,
@@ -162,9 +162,11 @@ class UpdateServerTest(unittest.TestCase):
         self.assertEqual([dict(each.attrib).get("yourId", each.get("id")) for each in root], ["2", "3"])
 
     def test_edit_that_makes_no_sense_breaks_the_answer_and_names_itself(self):
-        for text, reason in (("[app-x.tgz]\nid = two\n", "id is a number"), ("[app-x.tgz]\nid = 1\nforce = yes\n", "no key force"),
-                             ("[server]\ndeviceid = maybe\n", "deviceid is"), ("no section\n", "no section"),
-                             ("[app-x.tgz]\nid = 1\nforced = maybe\n", "forced is yes or no"), ("[../x]\nid = 1\n", "no package's name")):
+        for text, reason in (("[app-x.tgz]\nid = two\n", "id is a number"),
+                             ("[app-x.tgz]\nid = 1\nforce = yes\n", "no key force"),
+                             ("[app-x.tgz]\nid = 1\nforced = maybe\n", "forced is yes or no"),
+                             ("[../x]\nid = 1\n", "no package's name"),
+                             ("[server]\ndeviceid = maybe\n", "deviceid is"), ("no section\n", "no section")):
             self.server.settings(text)
             self.assertTrue(self.server.check().startswith(b"HTTP/1.1 500 "), text)
             self.assertIn(reason, self.server.next_line())
@@ -223,7 +225,8 @@ class UpdateServerTest(unittest.TestCase):
             seen = list(crowd.map(device, range(48)))
         self.assertEqual(sorted(seen), [(number, 1_000_000) for number in range(1, 49)])
         lines = support.read(os.path.join(self.server.folder, "acknowledgements.log")).splitlines()
-        self.assertEqual(sorted(int(re.search(r"device=(\d+) update=7 ", line)[1]) for line in lines), list(range(1, 49)))
+        acknowledged = sorted(int(re.search(r"device=(\d+) update=7 ", line)[1]) for line in lines)
+        self.assertEqual(acknowledged, list(range(1, 49)))
 
     def test_silent_client_delays_nobody(self):
         with socket.create_connection(("127.0.0.1", self.server.https)), socket.create_connection(("127.0.0.1", self.server.http)):

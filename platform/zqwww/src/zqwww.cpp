@@ -1,26 +1,25 @@
 #include "zqwww.h"
 
-#include <atomic>
+#include <curl/curl.h>
 
-#include "libraries.h"
+#include <mutex>
 
 namespace {
 
-// The calls of zqwww_init that wait for their zqwww_term. Connections hold the libraries on their own account,
-// which a zqwww_term too many must not give away.
-std::atomic<int> g_inits{0};
+std::mutex g_mutex;
+int g_users = 0;
 
 }  // namespace
 
 int zqwww_init() {
-  if (!AcquireLibraries()) return 0;
-  ++g_inits;
+  const std::lock_guard lock(g_mutex);
+  if (g_users == 0 && curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) return 0;
+  ++g_users;
   return 1;
 }
 
 void zqwww_term() {
-  int inits = g_inits.load();
-  while (inits > 0 && !g_inits.compare_exchange_weak(inits, inits - 1)) {
-  }
-  if (inits > 0) ReleaseLibraries();
+  const std::lock_guard lock(g_mutex);
+  if (g_users == 0) return;
+  if (--g_users == 0) curl_global_cleanup();
 }
