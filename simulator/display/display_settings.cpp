@@ -2,32 +2,19 @@
 
 #include <cstring>
 
-namespace {
+#include "setting_lines.h"
 
-constexpr std::string_view kBlanks = " \t\r";
+namespace {
 
 // substr would want the C++ library, for the exception that it throws.
 std::string_view Slice(std::string_view text, size_t begin, size_t end) {
   return {text.data() + begin, (end < text.size() ? end : text.size()) - begin};
 }
 
-std::string_view WithoutBlanks(std::string_view text) {
-  const size_t first = text.find_first_not_of(kBlanks);
-  if (first == text.npos) return Slice(text, text.size(), text.size());
-  return Slice(text, first, text.find_last_not_of(kBlanks) + 1);
-}
-
 // The first value of the key, a part of `text`; its data is null when the key is missing.
 std::string_view ValueOf(std::string_view text, std::string_view key) {
-  for (size_t begin = 0; begin < text.size();) {
-    const size_t end = text.find('\n', begin);
-    const std::string_view line = Slice(text, begin, end);
-    const size_t equals = line.find('=');
-    if (equals != line.npos && WithoutBlanks(Slice(line, 0, equals)) == key) {
-      return WithoutBlanks(Slice(line, equals + 1, line.size()));
-    }
-    if (end == text.npos) break;
-    begin = end + 1;
+  for (SettingLines lines(text); lines.Next();) {
+    if (!lines.IsTitle() && lines.Key() == key) return lines.Value();
   }
   return {};
 }
@@ -42,25 +29,15 @@ void SetFlag(std::string_view value, std::string_view yes, std::string_view no, 
   if (value == yes || value == no) *flag = value == yes;
 }
 
-// Seconds as the server counts them, at most 65535. False for what is no number.
-bool ReadSeconds(std::string_view text, uint16_t* seconds) {
-  uint32_t value = 0;
-  for (const char c : text) {
-    if (c < '0' || c > '9') return false;
-    value = value * 10 + static_cast<uint32_t>(c - '0');
-    if (value > UINT16_MAX) value = UINT16_MAX;
-  }
-  *seconds = static_cast<uint16_t>(value);
-  return !text.empty();
-}
-
-// All three, or none.
+// Seconds as the server counts them, at most 65535. All three, or none.
 void SetTimeouts(std::string_view value, uint16_t* timeouts) {
   uint16_t read[3];
-  for (int i = 0; i < 3; ++i) {
-    const size_t comma = i < 2 ? value.find(',') : value.size();
-    if (comma == value.npos || !ReadSeconds(WithoutBlanks(Slice(value, 0, comma)), &read[i])) return;
-    value.remove_prefix(i < 2 ? comma + 1 : comma);
+  for (uint16_t& seconds : read) {
+    uint32_t number = 0;
+    const bool last = &seconds == &read[2];
+    const std::string_view text = last ? value : TakeUntil(value, ',');
+    if (!ReadDecimal(WithoutBlanks(text), UINT16_MAX, &number)) return;
+    seconds = static_cast<uint16_t>(number);
   }
   memcpy(timeouts, read, sizeof(read));
 }

@@ -18,4 +18,15 @@ int CallAt(Next next, int folder, const char* path, Rest... rest) {
   return at.Ok() ? next(folder, at.Text(), rest...) : -1;
 }
 
+// Where a function that looks at a path puts what it found.
+template <typename Found>
+Found* FoundBy(int (*look)(const char*, Found*));
+
+// Stands before such a function.
+#define ZQSIM_LOOK(function)                                                                 \
+  ZQSIM_NEXT(function)                                                                       \
+  ZQSIM_HOOK int function(const char* path, decltype(FoundBy(&::function)) found) noexcept { \
+    return Call<Use::kLook>(NEXT(function), path, found);                                    \
+  }
+
 #endif

@@ -4,10 +4,6 @@
 
 #include "call.h"
 
-ZQSIM_NEXT(stat)
-ZQSIM_NEXT(stat64)
-ZQSIM_NEXT(lstat)
-ZQSIM_NEXT(lstat64)
 ZQSIM_NEXT(fstatat)
 ZQSIM_NEXT(fstatat64)
 ZQSIM_NEXT(statx)
@@ -15,18 +11,10 @@ ZQSIM_NEXT(access)
 ZQSIM_NEXT(faccessat)
 ZQSIM_NEXT(euidaccess)
 
-ZQSIM_HOOK int stat(const char* path, struct stat* out) noexcept {
-  return Call<Use::kLook>(NEXT(stat), path, out);
-}
-ZQSIM_HOOK int stat64(const char* path, struct stat64* out) noexcept {
-  return Call<Use::kLook>(NEXT(stat64), path, out);
-}
-ZQSIM_HOOK int lstat(const char* path, struct stat* out) noexcept {
-  return Call<Use::kLook>(NEXT(lstat), path, out);
-}
-ZQSIM_HOOK int lstat64(const char* path, struct stat64* out) noexcept {
-  return Call<Use::kLook>(NEXT(lstat64), path, out);
-}
+ZQSIM_LOOK(stat)
+ZQSIM_LOOK(stat64)
+ZQSIM_LOOK(lstat)
+ZQSIM_LOOK(lstat64)
 
 ZQSIM_HOOK int fstatat(int folder, const char* path, struct stat* out, int flags) noexcept {
   return CallAt<Use::kLook>(NEXT(fstatat), folder, path, out, flags);

@@ -6,26 +6,15 @@
 
 #include "call.h"
 
-ZQSIM_NEXT(statvfs)
-ZQSIM_NEXT(statvfs64)
-ZQSIM_NEXT(statfs)
-ZQSIM_NEXT(statfs64)
 ZQSIM_NEXT(pathconf)
 ZQSIM_NEXT(inotify_add_watch)
 ZQSIM_NEXT(chdir)
 
-ZQSIM_HOOK int statvfs(const char* path, struct statvfs* out) noexcept {
-  return Call<Use::kLook>(NEXT(statvfs), path, out);
-}
-ZQSIM_HOOK int statvfs64(const char* path, struct statvfs64* out) noexcept {
-  return Call<Use::kLook>(NEXT(statvfs64), path, out);
-}
-ZQSIM_HOOK int statfs(const char* path, struct statfs* out) noexcept {
-  return Call<Use::kLook>(NEXT(statfs), path, out);
-}
-ZQSIM_HOOK int statfs64(const char* path, struct statfs64* out) noexcept {
-  return Call<Use::kLook>(NEXT(statfs64), path, out);
-}
+ZQSIM_LOOK(statvfs)
+ZQSIM_LOOK(statvfs64)
+ZQSIM_LOOK(statfs)
+ZQSIM_LOOK(statfs64)
+
 ZQSIM_HOOK long pathconf(const char* path, int name) noexcept {
   return Call<Use::kLook>(NEXT(pathconf), path, name);
 }

@@ -1,19 +1,7 @@
 // Texts come back as they went in.
 load('check.js');
+load('texts.list.js');
 const util = new ZQUtil();
-const texts = [
-  '',
-  ' leading and trailing ',
-  'line\nbreak',
-  'cr\r\nlf\t"quoted" \\ back\\nslash',
-  '"quoted"',
-  '; no comment',
-  '# none either',
-  'a=b=c',
-  '[config]',
-  'Grüße, 世界, 🎉',
-  'x'.repeat(1024),
-];
 texts.forEach((text, index) => util.setIniSetting('texts', `t${index}`, text));
 equal(util.utf8Encode('abc'), 'abc', 'ASCII');
 equal(util.utf8Encode(''), '', 'nothing');

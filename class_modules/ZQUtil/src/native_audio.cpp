@@ -29,22 +29,17 @@ void Write(snd_ctl_elem_value_t* value, const char* name) {
   snd_ctl_elem_write(alsaCtl, value);
 }
 
-void WriteNumber(const char* name, long number) {
+// `set` puts a number into a value: one call of the library for each kind of number.
+template <typename Number>
+void Write(const char* name, void (*set)(snd_ctl_elem_value_t*, unsigned int, Number), Number number) {
   snd_ctl_elem_value_t* value = nullptr;
   snd_ctl_elem_value_alloca(&value);
-  for (unsigned int channel = 0; channel < kChannels; ++channel) {
-    snd_ctl_elem_value_set_integer(value, channel, number);
-  }
+  for (unsigned int channel = 0; channel < kChannels; ++channel) set(value, channel, number);
   Write(value, name);
 }
 
-void WriteNumber64(const char* name, int64_t number) {
-  snd_ctl_elem_value_t* value = nullptr;
-  snd_ctl_elem_value_alloca(&value);
-  for (unsigned int channel = 0; channel < kChannels; ++channel) {
-    snd_ctl_elem_value_set_integer64(value, channel, number);
-  }
-  Write(value, name);
+void WriteNumber(const char* name, long number) {
+  Write(name, snd_ctl_elem_value_set_integer, number);
 }
 
 }  // namespace
@@ -75,8 +70,8 @@ void native_set_speaker_level(bool /*flag*/, int level) {
       WriteNumber(kSpeakerVolume, SpeakerValue(MixerKind::kInteger, snd_ctl_elem_info_get_max(info), level));
       return;
     case SND_CTL_ELEM_TYPE_INTEGER64:
-      WriteNumber64(kSpeakerVolume,
-                    SpeakerValue(MixerKind::kInteger64, snd_ctl_elem_info_get_max64(info), level));
+      Write<long long>(kSpeakerVolume, snd_ctl_elem_value_set_integer64,
+                       SpeakerValue(MixerKind::kInteger64, snd_ctl_elem_info_get_max64(info), level));
       return;
     default:
       WriteNumber(kSpeakerVolume, SpeakerValue(MixerKind::kOther, 0, level));

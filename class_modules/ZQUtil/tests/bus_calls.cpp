@@ -16,6 +16,7 @@
 
 namespace {
 
+std::atomic<bool> g_recording = false;
 std::mutex g_mutex;
 std::string g_calls;
 constexpr int kDescriptors = 1024;
@@ -23,12 +24,8 @@ std::atomic<const char*> g_open[kDescriptors];  // path by descriptor
 void (*g_atSelection)() = nullptr;
 std::atomic<bool> g_refuseLevels = false;
 
-template <typename Call>
-Call Next(const char* name) {
-  return reinterpret_cast<Call>(dlsym(RTLD_NEXT, name));
-}
-
 void Note(const std::string& line) {
+  if (!g_recording) return;
   const std::lock_guard lock(g_mutex);
   g_calls += line + "\n";
 }
@@ -47,7 +44,16 @@ std::string TransferText(const i2c_smbus_ioctl_data& transfer) {
 
 }  // namespace
 
-std::string TakeBusCalls() {
+BusCalls::BusCalls() {
+  Take();
+  g_recording = true;
+}
+
+BusCalls::~BusCalls() {
+  g_recording = false;
+}
+
+std::string BusCalls::Take() {
   const std::lock_guard lock(g_mutex);
   return std::exchange(g_calls, "");
 }
@@ -60,6 +66,8 @@ void RefuseLevels(bool refuse) {
   g_refuseLevels = refuse;
 }
 
+// The function that a recorded one stands before.
+#define NEXT(function, type) static const auto next = reinterpret_cast<type>(dlsym(RTLD_NEXT, #function))
 #define RECORDED extern "C" __attribute__((visibility("default")))
 
 RECORDED int open(const char* path, int flags, ...) {
@@ -67,7 +75,8 @@ RECORDED int open(const char* path, int flags, ...) {
   va_start(rest, flags);
   const auto mode = va_arg(rest, mode_t);
   va_end(rest);
-  const int descriptor = Next<int (*)(const char*, int, ...)>("open")(path, flags, mode);
+  NEXT(open, int (*)(const char*, int, ...));
+  const int descriptor = next(path, flags, mode);
   for (const char* const watched : {"/dev/i2c-0", "/proc/blctrl"}) {
     if (std::strcmp(path, watched) != 0) continue;
     Note("open " + std::string(watched) + " " + std::to_string(flags & ~O_CLOEXEC));
@@ -80,7 +89,8 @@ RECORDED int close(int descriptor) {
   auto* const slot = PathOf(descriptor);
   const char* const path = slot != nullptr ? slot->exchange(nullptr) : nullptr;
   if (path != nullptr) Note("close " + std::string(path));
-  return Next<decltype(&close)>("close")(descriptor);
+  NEXT(close, int (*)(int));
+  return next(descriptor);
 }
 
 RECORDED int ioctl(int descriptor, unsigned long request, ...) noexcept {
@@ -92,8 +102,11 @@ RECORDED int ioctl(int descriptor, unsigned long request, ...) noexcept {
     Note("select " + std::to_string(reinterpret_cast<unsigned long>(argument)));
     if (const auto action = std::exchange(g_atSelection, nullptr)) action();
   }
-  if (request == I2C_SMBUS) Note(TransferText(*static_cast<const i2c_smbus_ioctl_data*>(argument)));
-  return Next<int (*)(int, unsigned long, ...)>("ioctl")(descriptor, request, argument);
+  if (request == I2C_SMBUS && g_recording) {
+    Note(TransferText(*static_cast<const i2c_smbus_ioctl_data*>(argument)));
+  }
+  NEXT(ioctl, int (*)(int, unsigned long, ...));
+  return next(descriptor, request, argument);
 }
 
 RECORDED ssize_t write(int descriptor, const void* bytes, size_t count) {
@@ -105,5 +118,6 @@ RECORDED ssize_t write(int descriptor, const void* bytes, size_t count) {
       return -1;
     }
   }
-  return Next<decltype(&write)>("write")(descriptor, bytes, count);
+  NEXT(write, ssize_t(*)(int, const void*, size_t));
+  return next(descriptor, bytes, count);
 }

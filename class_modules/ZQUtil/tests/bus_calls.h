@@ -4,14 +4,22 @@
 
 #include <string>
 
-// The calls for the bus and the backlight since the last time, one a line:
+// Records while it lives; one at a time. Take gives the calls for the bus and the backlight since the last time, one a
+// line:
 //   open PATH FLAGS
 //   select ADDRESS
 //   write COMMAND SIZE: the five bytes of the block
 //   read COMMAND SIZE: the block's first byte before the call
 //   level BYTES: the text
 //   close PATH
-std::string TakeBusCalls();
+class BusCalls {
+ public:
+  BusCalls();
+  BusCalls(const BusCalls&) = delete;
+  BusCalls& operator=(const BusCalls&) = delete;
+  ~BusCalls();
+  std::string Take();
+};
 
 // Called at the next selection of a chip, on the thread that makes it, before it is passed on.
 void AtNextSelection(void (*action)());

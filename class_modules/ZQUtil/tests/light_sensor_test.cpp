@@ -289,7 +289,7 @@ TEST_F(LightSensorTest, AsksTheDevicesInThisOrderInEachCycle) {
   olddat = 21;
   SetSensor("ready = after 2 reads");
   bAutoMode = true;
-  TakeBusCalls();
+  BusCalls calls;
   Begin();
   // The last step of the first cycle's ramp.
   Ramp(20);
@@ -302,20 +302,20 @@ TEST_F(LightSensorTest, AsksTheDevicesInThisOrderInEachCycle) {
       "write 39 5: 4 0 0 0 0\nread 39 5: 4\nread 39 5: 4\nread 39 5: 4\n";
   for (int x = 21; x > 0; --x) expected += "level 32: " + std::to_string(x * 3 / 4) + "\n";
   expected += "close /proc/blctrl\nclose /dev/i2c-0\n";
-  EXPECT_EQ(TakeBusCalls(), expected);
+  EXPECT_EQ(calls.Take(), expected);
 }
 
 TEST_F(LightSensorTest, ClosesTheBusWhenTheChipOrTheBacklightIsMissing) {
   bAutoMode = true;
   SetSensor("address = 0x35");
-  TakeBusCalls();
+  BusCalls calls;
   threadAutoScreenDim(nullptr);
-  EXPECT_EQ(TakeBusCalls(), "open /dev/i2c-0 2\nselect 52\nclose /dev/i2c-0\n");
+  EXPECT_EQ(calls.Take(), "open /dev/i2c-0 2\nselect 52\nclose /dev/i2c-0\n");
   SetSensor("");
   fs::rename(OnThisMachine(kBacklight), OnThisMachine("/proc/aside"));
   threadAutoScreenDim(nullptr);
   fs::rename(OnThisMachine("/proc/aside"), OnThisMachine(kBacklight));
-  EXPECT_EQ(TakeBusCalls(), "open /dev/i2c-0 2\nselect 52\nopen /proc/blctrl 2\nclose /dev/i2c-0\n");
+  EXPECT_EQ(calls.Take(), "open /dev/i2c-0 2\nselect 52\nopen /proc/blctrl 2\nclose /dev/i2c-0\n");
 }
 
 TEST_F(LightSensorTest, ABacklightThatTakesNoLevelCutsNoRampShort) {

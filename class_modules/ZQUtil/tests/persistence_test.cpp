@@ -1,8 +1,5 @@
 // Deferred persistence: what scripts set reaches files and key store later, whole, in order, and never on
 // their thread.
-#include <dlfcn.h>
-
-#include <atomic>
 #include <filesystem>
 #include <thread>
 
@@ -11,18 +8,9 @@
 #include "audio_volume.h"
 #include "fault.h"
 #include "module_fixture.h"
+#include "no_more_threads.h"
 #include "nvram.h"
 #include "zq_thread.h"
-
-// The module finds this before the platform's own: a system that can start no more threads, when the test says so.
-static std::atomic<bool> g_noMoreThreads = false;
-extern "C" __attribute__((visibility("default"))) uint32_t zq__beginthread(
-    zq_ThreadFunction function, void* argument, const zq_ThreadAttributes* attributes, const char* file,
-    int line) {
-  if (g_noMoreThreads) return 0;
-  static const auto next = reinterpret_cast<decltype(&zq__beginthread)>(dlsym(RTLD_NEXT, "zq__beginthread"));
-  return next(function, argument, attributes, file, line);
-}
 
 namespace {
 
@@ -172,9 +160,10 @@ TEST_F(PersistenceTest, ManyThreadsLoseNoSetting) {
 
 TEST_F(PersistenceTest, WritesGoOnWhenTheSystemStartsNoMoreThreads) {
   Start();
-  g_noMoreThreads = true;
-  ZQUtil::my_WriteINIFileInt("config", "tight", 1, "tight.ini");
-  g_noMoreThreads = false;
+  {
+    const NoMoreThreads tight;
+    ZQUtil::my_WriteINIFileInt("config", "tight", 1, "tight.ini");
+  }
   EXPECT_EQ(StoredSetting("tight", "tight.ini"), "1") << "written by the caller itself";
 }
 

@@ -98,10 +98,13 @@ class ZQWWW_API HTTP {
   HTTP();
   HTTP(const HTTP&) = delete;
   HTTP& operator=(const HTTP&) = delete;
-  // Any thread. Ends what is under way and waits until the library's thread is out of the callbacks: none
-  // comes after it returned, disconnected neither. From within one of its own callbacks it does not wait; that
-  // callback is the last.
+  // Closes. Any thread.
   virtual ~HTTP();
+  // Ends what is under way and waits until the library's thread is out of the callbacks: none comes after it
+  // returned, disconnected neither. From within one of the callbacks it does not wait; that callback is the last.
+  // Any thread. A class that is derived from this one, and whose members the callbacks use, calls it first in its
+  // destructor.
+  void close();
 
   // The most that one data call gives, in bytes; 65536 unless set, kept within 1024 and 4 MiB. Before connect.
   void setMaxIncomingBuffer(int bytes);

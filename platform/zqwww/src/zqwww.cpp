@@ -1,25 +1,26 @@
 #include "zqwww.h"
 
-#include <curl/curl.h>
+#include <atomic>
 
-#include <mutex>
+#include "libraries.h"
 
 namespace {
 
-std::mutex g_mutex;
-int g_users = 0;
+// The calls of zqwww_init that wait for their zqwww_term. Connections hold the libraries on their own account,
+// which a zqwww_term too many must not give away.
+std::atomic<int> g_inits{0};
 
 }  // namespace
 
 int zqwww_init() {
-  const std::lock_guard lock(g_mutex);
-  if (g_users == 0 && curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) return 0;
-  ++g_users;
+  if (!AcquireLibraries()) return 0;
+  ++g_inits;
   return 1;
 }
 
 void zqwww_term() {
-  const std::lock_guard lock(g_mutex);
-  if (g_users == 0) return;
-  if (--g_users == 0) curl_global_cleanup();
+  int inits = g_inits.load();
+  while (inits > 0 && !g_inits.compare_exchange_weak(inits, inits - 1)) {
+  }
+  if (inits > 0) ReleaseLibraries();
 }

@@ -1,0 +1,61 @@
+#include "trust.h"
+
+#include <openssl/err.h>
+#include <openssl/ssl.h>
+#include <sys/stat.h>
+
+#include <climits>
+#include <cstdlib>
+
+#include "www_trace.h"
+#include "zq_ini.h"
+
+namespace {
+
+// Not among the settings files of scripts: those are theirs to write.
+constexpr char kSettingsFile[] = "/etc/zqwww.ini";
+constexpr char kSection[] = "tls";
+
+std::string Setting(const char* file, const char* key) {
+  char value[PATH_MAX + 1] = {};
+  zq_GetINIFileString(kSection, key, "", value, PATH_MAX, file);
+  return value;
+}
+
+bool IsFolder(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+void Load(X509_STORE* store, const std::string& path) {
+  const int loaded =
+      IsFolder(path) ? X509_STORE_load_path(store, path.c_str()) : X509_STORE_load_file(store, path.c_str());
+  if (loaded != 1) WwwFailure("no certificates to trust in %s\n", path.c_str());
+  ERR_clear_error();
+}
+
+}  // namespace
+
+Trust ReadTrust() {
+  return ReadTrust(kSettingsFile, getenv("ZQ_CA_FILE"));
+}
+
+Trust ReadTrust(const char* settingsFile, const char* extraFile) {
+  Trust trust;
+  trust.store = Setting(settingsFile, "trust_store");
+  const std::string extra = Setting(settingsFile, "extra_ca");
+  if (!extra.empty()) trust.extra.push_back(extra);
+  if (extraFile != nullptr && *extraFile != '\0') trust.extra.emplace_back(extraFile);
+  return trust;
+}
+
+void ApplyTrust(const Trust& trust, void* tlsContext) {
+  X509_STORE* store = SSL_CTX_get_cert_store(static_cast<SSL_CTX*>(tlsContext));
+  if (!trust.store.empty()) {
+    Load(store, trust.store);
+  } else {
+    X509_STORE_set_default_paths(store);
+    ERR_clear_error();
+  }
+  for (const std::string& file : trust.extra) Load(store, file);
+}
