@@ -1,7 +1,5 @@
 // The date and time methods of the script class. Without the clock settings' object each returns success and does
 // nothing.
-#include <strings.h>
-
 #include "OwnedText.h"
 #include "ZQDateTime.h"
 #include "ZQUtil.h"
@@ -12,12 +10,7 @@ namespace {
 
 // The first argument's text; null when it is missing or cannot be text.
 const char* TextArgument(uint32_t argc, const zq_Value* argv) {
-  const ScriptArguments arguments(argc, argv);
-  return arguments.Present(0) ? arguments.Text(0) : nullptr;
-}
-
-bool SaysYes(const char* text) {
-  return strcasecmp(text, "true") == 0 || strcasecmp(text, "yes") == 0;
+  return ScriptArguments(argc, argv).PresentText(0);
 }
 
 void ReturnText(const OwnedText& text, zq_Value* rval) {
@@ -30,8 +23,7 @@ void ReturnFlag(bool flag, zq_Value* rval) {
 
 // An object {Name, Description}; null when the host makes none.
 void* NewZoneObject(const TimeZoneNode& node) {
-  const auto newObject = engine::NewObject();
-  void* const object = newObject != nullptr ? newObject() : nullptr;
+  void* const object = NewScriptObject();
   if (object == nullptr) return nullptr;
   SetTextProperty(object, "Name", node.path);
   SetTextProperty(object, "Description", node.description);

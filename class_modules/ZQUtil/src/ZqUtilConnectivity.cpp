@@ -123,20 +123,8 @@ void ZQUtil::HandleNetworkCheckTimer() {
 int32_t ZQUtil::RegisterConnectivityListener(void* /*self*/, uint32_t argc, zq_Value* argv,
                                              zq_Value* /*rval*/) {
   ZQUTIL_TRACE("ZQUtil Registering Connectivity Listener\n");
-  const ScriptArguments arguments(argc, argv);
-  if (arguments.Count() == 1 && arguments.Present(0)) {
-    ZQUTIL_TRACE("ZQUtil Clearing old listener\n");
-    return KeepListener(argv[0], kListenerProperty, connectivityListener) ? 1 : 0;
-  }
-  if (arguments.Count() != 1) {
-    ZQUTIL_TRACE("ZQUtil argument miscount, clearing\n");
-  } else if (argv[0] == ZQ_VALUE_VOID) {
-    ZQUTIL_TRACE("ZQUtil void argument, clearing\n");
-  } else {
-    ZQUTIL_TRACE("ZQUtil NULL argument, clearing\n");
-  }
-  ForgetListener(kListenerProperty, connectivityListener);
-  return 1;
+  return ChangeListener(argc, argv, kListenerProperty, connectivityListener) == ListenerChange::kRefused ? 0
+                                                                                                         : 1;
 }
 
 int32_t ZQUtil::CheckConnectivity(void* /*self*/, uint32_t /*argc*/, zq_Value* /*argv*/, zq_Value* /*rval*/) {

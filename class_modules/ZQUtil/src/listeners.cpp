@@ -43,6 +43,23 @@ void ForgetListener(const char* property, std::atomic<void*>& field) {
   field = nullptr;
 }
 
+ListenerChange ChangeListener(uint32_t argc, const zq_Value* argv, const char* property,
+                              std::atomic<void*>& field) {
+  if (argc == 1 && argv[0] != ZQ_VALUE_VOID && argv[0] != ZQ_VALUE_NULL) {
+    ZQUTIL_TRACE("ZQUtil Clearing old listener\n");
+    return KeepListener(argv[0], property, field) ? ListenerChange::kKept : ListenerChange::kRefused;
+  }
+  if (argc != 1) {
+    ZQUTIL_TRACE("ZQUtil argument miscount, clearing\n");
+  } else if (argv[0] == ZQ_VALUE_VOID) {
+    ZQUTIL_TRACE("ZQUtil void argument, clearing\n");
+  } else {
+    ZQUTIL_TRACE("ZQUtil NULL argument, clearing\n");
+  }
+  ForgetListener(property, field);
+  return ListenerChange::kForgotten;
+}
+
 void CallListener(void* listener, const char* method) {
   const auto callMethod = engine::CallMethod();
   if (callMethod == nullptr) return;

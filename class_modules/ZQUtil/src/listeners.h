@@ -13,6 +13,16 @@ bool KeepListener(zq_Value value, const char* property, std::atomic<void*>& fiel
 // Empties the property, then the field. Any thread.
 void ForgetListener(const char* property, std::atomic<void*>& field);
 
+enum class ListenerChange {
+  kKept,       // the object is the listener now
+  kForgotten,  // there is none now
+  kRefused     // the value is no object, or the host converts none: nothing changed
+};
+// What a method that takes a listener does with its arguments: one that is neither void nor null is kept, anything else
+// forgets the one there is. Traced. Script thread.
+ListenerChange ChangeListener(uint32_t argc, const zq_Value* argv, const char* property,
+                              std::atomic<void*>& field);
+
 // Calls the listener's method with no argument, when the host can. Queue thread: a single call is taken by the engine
 // from any thread. Other threads of the module use WorkerRequest.
 void CallListener(void* listener, const char* method);
