@@ -27,8 +27,7 @@ def anchor(title):
 def prose(text, methods, interfaces):
     """Text of a comment as Markdown: names of methods and types become links."""
     text = re.sub(r"\{@link (\w+)\}", r"\1", text)
-    text = re.sub(r"`(\w+)`",
-                  lambda match: f"[`{match[1]}`](#{match[1].lower()})" if match[1] in methods else match[0], text)
+    text = re.sub(r"`(\w+)`", lambda match: f"[`{match[1]}`](#{match[1].lower()})" if match[1] in methods else match[0], text)
     return re.sub(r"(?<![\w`\[#])(ZQ\w+)\b",
                   lambda match: f"[{match[1]}](#{match[1].lower()})" if match[1] in interfaces else match[0], text)
 

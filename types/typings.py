@@ -62,8 +62,7 @@ def _parameters(text, tags):
     parameters = []
     for part in filter(None, (each.strip() for each in text.split(","))):
         name, kind = part.split(":", 1)
-        optional, name = name.endswith("?"), name.rstrip("?")
-        parameters.append(Parameter(name, kind.strip(), optional, about.pop(name, "")))
+        parameters.append(Parameter(name.rstrip("?"), kind.strip(), name.endswith("?"), about.pop(name.rstrip("?"), "")))
     if about:
         raise ValueError(f"comment on parameters that do not exist: {', '.join(about)}")
     return tuple(parameters)
@@ -76,9 +75,8 @@ def _methods(body):
         about, tags = _text(match["comment"])
         group = max((each for each in groups if each[0] < match.start()), default=(0, ""))[1]
         single = dict(tags)
-        result = " ".join(match["result"].split())
-        methods.append(Method(match["name"], group, _parameters(match["parameters"], tags), result, about,
-                              single.get("returns", ""), single.get("throws", "")))
+        methods.append(Method(match["name"], group, _parameters(match["parameters"], tags), " ".join(match["result"].split()),
+                              about, single.get("returns", ""), single.get("throws", "")))
     return tuple(methods)
 
 

@@ -102,8 +102,7 @@ class SnippetTest(unittest.TestCase):
 
     def test_every_snippet_compiles_against_the_typings(self):
         options = {"noEmit": True, "strict": True, "noImplicitAny": False, "useUnknownInCatchVariables": False,
-                   "allowJs": True, "checkJs": True, "target": "es2022", "lib": ["es2022"], "types": [],
-                   "moduleDetection": "force"}
+                   "allowJs": True, "checkJs": True, "target": "es2022", "lib": ["es2022"], "types": [], "moduleDetection": "force"}
         with tempfile.TemporaryDirectory(prefix="docs-test-") as folder:
             names = []
             for snippet in all_snippets():

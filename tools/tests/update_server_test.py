@@ -116,8 +116,7 @@ class UpdateServerTest(unittest.TestCase):
     def test_acknowledgements_form_is_checked(self):
         good = acknowledgement(1, 2)
         accepted = [good, good.replace("/>", "></updateDone>"),
-                    good.replace('deviceId="1" updateId="2"', 'updateId="2" deviceId="1"'),
-                    good.replace("/></xml>", "/>\n</xml>")]
+                    good.replace('deviceId="1" updateId="2"', 'updateId="2" deviceId="1"'), good.replace("/></xml>", "/>\n</xml>")]
         bad = ["", "x", good[:-10], good + "x", good.replace("<xml", "<?xml"), good.replace("1.0", "1.1"),
                good.replace('"2"', '"two"'), good.replace('"2"', '""'), good.replace('"2"', '"-2"'),
                good.replace('"2"', '"12345678901"'), good.replace("updateDone", "updatedone"), good + good,
@@ -230,14 +229,12 @@ class UpdateServerTest(unittest.TestCase):
         self.assertEqual(acknowledged, list(range(1, 49)))
 
     def test_silent_client_delays_nobody(self):
-        with socket.create_connection(("127.0.0.1", self.server.https)), \
-             socket.create_connection(("127.0.0.1", self.server.http)):
+        with socket.create_connection(("127.0.0.1", self.server.https)), socket.create_connection(("127.0.0.1", self.server.http)):
             self.assertEqual(self.offered(), [])
 
     def test_ends_with_status_0_in_the_middle_of_a_slow_answer(self):
         self.server.fault("check", "slow", seconds=3600)
-        connection = http.client.HTTPSConnection("localhost", self.server.https, timeout=support.PATIENCE,
-                                                 context=self.server.client_context())
+        connection = http.client.HTTPSConnection("localhost", self.server.https, context=self.server.client_context(), timeout=60)
         connection.request("GET", "/zqapplog/updateReq?mac=x")
         # Not before the request is being answered: the server has taken a number for the device then.
         deadline = time.monotonic() + support.PATIENCE

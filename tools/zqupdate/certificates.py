@@ -35,8 +35,7 @@ def _authority(folder, name, common_name):
 
 
 def _leaf(folder, name, authority, hosts, days=_DAYS):
-    _openssl(folder, "req", "-new", *_CURVE, "-keyout", f"{name}.key", "-out", f"{name}.csr",
-             "-subj", f"/CN={hosts[0]}")
+    _openssl(folder, "req", "-new", *_CURVE, "-keyout", f"{name}.key", "-out", f"{name}.csr", "-subj", f"/CN={hosts[0]}")
     with open(os.path.join(folder, f"{name}.ext"), "w", encoding="ascii") as file:
         file.write(f"subjectAltName={_names(hosts)}\nbasicConstraints=CA:FALSE\nextendedKeyUsage=serverAuth\n")
     _openssl(folder, "x509", "-req", "-in", f"{name}.csr", "-CA", f"{authority}.pem", "-CAkey", f"{authority}.key",

@@ -93,8 +93,7 @@ class Service:
             return _not_found(f"package name={name}")
         length = os.path.getsize(path)
         pieces = _file_pieces(path, length)
-        answer = Answer("200 OK", "application/octet-stream", length, pieces)
-        return Reply(answer, f"package name={name} bytes={length}")
+        return Reply(Answer("200 OK", "application/octet-stream", length, pieces), f"package name={name} bytes={length}")
 
     @staticmethod
     def unknown(url_path):

@@ -7,14 +7,19 @@ namespace {
 
 using Member = int32_t (ZQUtil::*)(void*, uint32_t, zq_Value*, zq_Value*);
 
-// What every wrapper does: fetch the singleton that the constructor attached to the script object, and pass
-// on.
-int32_t CallMember(Member member, void* self, uint32_t argc, zq_Value* argv, zq_Value* rval) {
+// What every wrapper does: fetch the singleton that the constructor attached to the script object, and pass on. 0 when
+// none is attached.
+template <typename Call>
+int32_t CallSingleton(void* self, const Call& call) {
   const auto getPrivate = engine::GetPrivate();
   if (getPrivate == nullptr) return 0;
   void* attached = nullptr;
   if (getPrivate(self, &attached) != 1) return 0;
-  return (static_cast<ZQUtil*>(attached)->*member)(self, argc, argv, rval);
+  return call(*static_cast<ZQUtil*>(attached));
+}
+
+int32_t CallMember(Member member, void* self, uint32_t argc, zq_Value* argv, zq_Value* rval) {
+  return CallSingleton(self, [=](ZQUtil& util) { return (util.*member)(self, argc, argv, rval); });
 }
 
 }  // namespace
@@ -27,6 +32,16 @@ int32_t CallMember(Member member, void* self, uint32_t argc, zq_Value* argv, zq_
 ZQUTIL_METHODS(ZQUTIL_DEFINE_WRAPPER, ZQUTIL_DEFINED_ELSEWHERE)
 #undef ZQUTIL_DEFINE_WRAPPER
 #undef ZQUTIL_DEFINED_ELSEWHERE
+
+int32_t ZQUtil_GetESSIDList(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval) {
+  return CallSingleton(self,
+                       [=](ZQUtil& util) { return util.GetESSIDList(self, argc, argv, rval, false, false); });
+}
+
+int32_t ZQUtil_GetCachedESSIDList(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval) {
+  return CallSingleton(self,
+                       [=](ZQUtil& util) { return util.GetESSIDList(self, argc, argv, rval, true, false); });
+}
 
 #define ZQUTIL_METHOD_ROW(scriptName, declared, member) {scriptName, ZQUtil_##member, declared},
 #define ZQUTIL_FUNCTION_ROW(scriptName, declared, function) {scriptName, function, declared},

@@ -13,6 +13,29 @@
 
 #define ZQUTIL_METHODS(METHOD, FUNCTION)                                  \
   FUNCTION("constructor", 0, ZQUtil_constructor)                          \
+  FUNCTION("getESSIDList", 0, ZQUtil_GetESSIDList)                        \
+  FUNCTION("getCachedESSIDList", 0, ZQUtil_GetCachedESSIDList)            \
+  METHOD("backgroundGetESSIDList", 1, BackgroundGetESSIDList)             \
+  METHOD("getConfiguredESSID", 0, GetConfiguredESSID)                     \
+  METHOD("getConfiguredESSIDListed", 0, GetConfiguredESSIDListed)         \
+  METHOD("getIP", 0, GetIP)                                               \
+  METHOD("getMACAddr", 0, GetMACAddr)                                     \
+  METHOD("getSubnetMask", 0, GetSubnetMask)                               \
+  METHOD("getPrimaryDNS", 0, GetPrimaryDNS)                               \
+  METHOD("getSecondaryDNS", 0, GetSecondaryDNS)                           \
+  METHOD("getGateway", 0, GetGateway)                                     \
+  METHOD("getProxy", 0, GetProxy)                                         \
+  METHOD("getNetworkType", 0, GetNetworkType)                             \
+  METHOD("getDHCPEnabled", 0, GetDHCPEnabled)                             \
+  METHOD("getProxyEnabled", 0, GetProxyEnabled)                           \
+  METHOD("getSignalStrength", 0, GetSignalStrength)                       \
+  METHOD("setWiredNetworkDHCP", 0, SetWiredNetworkDHCP)                   \
+  METHOD("setWiredNetworkStatic", 5, SetWiredNetworkStatic)               \
+  METHOD("setWirelessNetworkDHCP", 7, SetWirelessNetworkDHCP)             \
+  METHOD("setWirelessNetworkStatic", 12, SetWirelessNetworkStatic)        \
+  METHOD("getWirelessSecurity", 0, GetWirelessSecurity)                   \
+  METHOD("setProxy", 1, SetProxy)                                         \
+  METHOD("setProxyEnabled", 1, SetProxyEnabled)                           \
   METHOD("registerConnectivityListener", 1, RegisterConnectivityListener) \
   METHOD("checkConnectivity", 1, CheckConnectivity)                       \
   METHOD("getFirstTime", 0, GetFirstTime)                                 \
@@ -71,6 +94,9 @@ extern "C" {
 
 ZQUTIL_API int32_t ZQUtil_constructor(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
 ZQUTIL_API int32_t ZQUtil_finalizer(void* self);
+// One member answers both: with a scan, and from the list of the last one.
+ZQUTIL_API int32_t ZQUtil_GetESSIDList(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+ZQUTIL_API int32_t ZQUtil_GetCachedESSIDList(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
 
 #define ZQUTIL_DECLARE_WRAPPER(scriptName, declared, member) \
   ZQUTIL_API int32_t ZQUtil_##member(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);

@@ -18,7 +18,16 @@ bool Present(const Arguments& arguments, size_t index) {
 
 // Methods whose one argument, when it is there, must be an object that the host can convert.
 bool TakesListener(const std::string& method) {
-  return method.rfind("register", 0) == 0;
+  return method.rfind("register", 0) == 0 || method == "backgroundGetESSIDList";
+}
+
+// Methods whose result is not a text.
+bool AnswersNoText(const std::string& method) {
+  for (const char* other : {"batteryPct", "getTZList", "getESSIDList", "getCachedESSIDList", "getESSID",
+                            "getWirelessSecurity", "getSignalStrength"}) {
+    if (method == other) return true;
+  }
+  return false;
 }
 
 // What a method returns for its arguments: 1, unless it refuses them. `isObject` is about the first one.
@@ -39,6 +48,9 @@ int32_t PromisedFor(const std::string& method, const Arguments& arguments, bool 
 
 class ArgumentsTest : public ModuleTest {
  protected:
+  // Without a radio a scan ends at once.
+  ArgumentsTest() { std::filesystem::remove(OnThisMachine("/hw/ra0/link.ini")); }
+
   int32_t Promised(const std::string& method, const Arguments& arguments) {
     const bool isObject = !arguments.empty() && engine.Show(arguments[0]) == "<object>" &&
                           engine.Table()[ZQ_SLOT_VALUE_TO_OBJECT] != 0;
@@ -120,7 +132,7 @@ TEST_P(MissingServiceTest, EveryMethodEndsAsItPromises) {
   CallAll([&](const std::string& method, const Arguments& arguments) {
     zq_Value result = ZQ_VALUE_VOID;
     EXPECT_EQ(engine.Call(util, method, arguments, &result), reachable ? Promised(method, arguments) : 0);
-    if (missing == ZQ_SLOT_NEW_STRING && method != "batteryPct" && method != "getTZList") {
+    if (missing == ZQ_SLOT_NEW_STRING && !AnswersNoText(method)) {
       EXPECT_EQ(result, ZQ_VALUE_VOID);
     }
   });

@@ -13,7 +13,12 @@
 namespace {
 
 constexpr char kAllMethods[] =
-    "constructor/0 registerConnectivityListener/1 checkConnectivity/1 getFirstTime/0 setFirstTime/1 "
+    "constructor/0 getESSIDList/0 getCachedESSIDList/0 backgroundGetESSIDList/1 "
+    "getConfiguredESSID/0 getConfiguredESSIDListed/0 getIP/0 getMACAddr/0 getSubnetMask/0 getPrimaryDNS/0 "
+    "getSecondaryDNS/0 getGateway/0 getProxy/0 getNetworkType/0 getDHCPEnabled/0 getProxyEnabled/0 "
+    "getSignalStrength/0 setWiredNetworkDHCP/0 setWiredNetworkStatic/5 setWirelessNetworkDHCP/7 "
+    "setWirelessNetworkStatic/12 getWirelessSecurity/0 setProxy/1 setProxyEnabled/1 "
+    "registerConnectivityListener/1 checkConnectivity/1 getFirstTime/0 setFirstTime/1 "
     "getPhoneVolume/0 setPhoneVolume/1 MutePhone/0 "
     "UnmutePhone/0 getMediaVolume/0 setMediaVolume/1 getMicVolume/0 setMicVolume/1 MuteMic/0 UnmuteMic/0 "
     "getBrightness/0 setBrightness/1 getContrast/0 setContrast/1 getDimMode/0 setDimMode/1 "
@@ -25,6 +30,29 @@ constexpr char kAllMethods[] =
 // Each script name with the symbol of the function that answers it.
 constexpr std::pair<const char*, const char*> kAllWrappers[] = {
     {"constructor", "ZQUtil_constructor"},
+    {"getESSIDList", "ZQUtil_GetESSIDList"},
+    {"getCachedESSIDList", "ZQUtil_GetCachedESSIDList"},
+    {"backgroundGetESSIDList", "ZQUtil_BackgroundGetESSIDList"},
+    {"getConfiguredESSID", "ZQUtil_GetConfiguredESSID"},
+    {"getConfiguredESSIDListed", "ZQUtil_GetConfiguredESSIDListed"},
+    {"getIP", "ZQUtil_GetIP"},
+    {"getMACAddr", "ZQUtil_GetMACAddr"},
+    {"getSubnetMask", "ZQUtil_GetSubnetMask"},
+    {"getPrimaryDNS", "ZQUtil_GetPrimaryDNS"},
+    {"getSecondaryDNS", "ZQUtil_GetSecondaryDNS"},
+    {"getGateway", "ZQUtil_GetGateway"},
+    {"getProxy", "ZQUtil_GetProxy"},
+    {"getNetworkType", "ZQUtil_GetNetworkType"},
+    {"getDHCPEnabled", "ZQUtil_GetDHCPEnabled"},
+    {"getProxyEnabled", "ZQUtil_GetProxyEnabled"},
+    {"getSignalStrength", "ZQUtil_GetSignalStrength"},
+    {"setWiredNetworkDHCP", "ZQUtil_SetWiredNetworkDHCP"},
+    {"setWiredNetworkStatic", "ZQUtil_SetWiredNetworkStatic"},
+    {"setWirelessNetworkDHCP", "ZQUtil_SetWirelessNetworkDHCP"},
+    {"setWirelessNetworkStatic", "ZQUtil_SetWirelessNetworkStatic"},
+    {"getWirelessSecurity", "ZQUtil_GetWirelessSecurity"},
+    {"setProxy", "ZQUtil_SetProxy"},
+    {"setProxyEnabled", "ZQUtil_SetProxyEnabled"},
     {"registerConnectivityListener", "ZQUtil_RegisterConnectivityListener"},
     {"checkConnectivity", "ZQUtil_CheckConnectivity"},
     {"getFirstTime", "ZQUtil_GetFirstTime"},

@@ -1,0 +1,82 @@
+// The networks in the air, for scripts.
+#include <strings.h>
+
+#include "ESSIDTexts.h"
+#include "OwnedText.h"
+#include "ZQNetwork.h"
+#include "ZQUtil.h"
+#include "ZQUtilTrace.h"
+#include "listeners.h"
+#include "script_values.h"
+
+namespace {
+
+constexpr char kListenerProperty[] = "getessidListener";
+
+bool SameName(const char* one, const char* other) {
+  return one != nullptr && other != nullptr && strcasecmp(one, other) == 0;
+}
+
+// Whether the device is connected to this network.
+bool IsConnected(ZQNetwork& network, const _ESSIDStruct& record, const char* configured) {
+  if (!SameName(configured, record.ESSID) || !network.ConnectedStatus()) return false;
+  ZQUTIL_TRACE("Connected\n");
+  return true;
+}
+
+// A new object for the record; null when the host makes none.
+void* NewEntry(const _ESSIDStruct& record, bool connected) {
+  const AuthenticationTexts authentication = AuthenticationOf(record);
+  const char* const ciphers = CiphersOf(record);
+  ZQUTIL_TRACE("Authtype=%s\n", authentication.authType);
+  ZQUTIL_TRACE("WPAType=%s\n", authentication.wpaType);
+  ZQUTIL_TRACE("Enctype=%s\n", ciphers);
+  ZQUTIL_TRACE("=====\n");
+  void* const entry = NewScriptObject();
+  if (entry == nullptr) return nullptr;
+  SetTextProperty(entry, "Name", record.ESSID);
+  SetValueProperty(entry, "Signal", ZQ_VALUE_FROM_INT(record.strength));
+  SetValueProperty(entry, "Encrypted", ZQ_VALUE_FROM_INT(record.encrypted != 0 ? 1 : 0));
+  SetValueProperty(entry, "Connected", ZQ_VALUE_FROM_INT(connected ? 1 : 0));
+  SetTextProperty(entry, "AuthType", authentication.authType);
+  SetTextProperty(entry, "EncType", ciphers);
+  SetTextProperty(entry, "WPAType", authentication.wpaType);
+  return entry;
+}
+
+void FillArray(void* array, ZQNetwork& network, const zq_List& list) {
+  const OwnedText configured(network.getConfiguredESSID());
+  uint32_t index = 0;
+  for (const auto* at = list.First(); at != nullptr; at = list.Next(at)) {
+    const auto& record = *static_cast<const _ESSIDStruct*>(list.Record(at));
+    ZQUTIL_TRACE("=====Returning ESSID %s\n", record.ESSID != nullptr ? record.ESSID : "(NULL)");
+    void* const entry = NewEntry(record, IsConnected(network, record, configured.get()));
+    if (entry == nullptr) continue;
+    zq_Value value = ObjectValue(entry);
+    if (const auto setElement = engine::SetElement()) setElement(array, index, &value);
+    ++index;
+  }
+}
+
+}  // namespace
+
+int32_t ZQUtil::GetESSIDList(void* /*self*/, uint32_t /*argc*/, zq_Value* /*argv*/, zq_Value* rval,
+                             bool cached, bool flag) {
+  ZQUTIL_TRACE("ZQUtil GUI Call to GetESSIDList\n");
+  const auto newArray = engine::NewArray();
+  void* const array = newArray != nullptr ? newArray(0, nullptr) : nullptr;
+  if (array == nullptr || network == nullptr) return 1;
+  const zq_List* const list = network->getESSIDList(true, cached, nullptr, flag);
+  if (list != nullptr) FillArray(array, *network, *list);
+  if (rval != nullptr) *rval = ObjectValue(array);
+  return 1;
+}
+
+int32_t ZQUtil::BackgroundGetESSIDList(void* /*self*/, uint32_t argc, zq_Value* argv, zq_Value* /*rval*/) {
+  ZQUTIL_TRACE("ZQUtil GUI Call to BackgroundGetESSIDList\n");
+  const ListenerChange change = ChangeListener(argc, argv, kListenerProperty, getessidListener);
+  if (change != ListenerChange::kKept) return change == ListenerChange::kForgotten ? 1 : 0;
+  ZQUTIL_TRACE("ZQUtil Messaging thread to get SSIDs %d\n", static_cast<int32_t>(ZQUtilMsgQHandle));
+  PostToModule(kMsgBackgroundScan, 0);
+  return 1;
+}
