@@ -457,7 +457,8 @@ declare class ZQUtil {
   setSecondaryNTPServer(host: string): void;
   /**
    * Sets the clock by hand: writes the text to /etc/datetime for the system's time service.
-   * @param time twelve characters, as the system's time script takes them; a text of another length is not written
+   * @param time twelve digits, MMDDhhmmYYYY in local time, as the system's script takes them; a text that has not
+   *   twelve characters is not written
    */
   setTime(time: string): void;
   /**

@@ -1,5 +1,6 @@
 """Starts the tools as a person would, and talks to the server byte by byte."""
 
+import atexit
 import os
 import shutil
 import signal
@@ -34,9 +35,14 @@ def read(path):
 class Server:
     """An update-server in a folder of its own."""
 
+    # What the first one made: the others start with a copy, since keys and certificates take their time.
+    _tls = None
+
     def __init__(self, *options, folder=None):
         self._scratch = None if folder else tempfile.mkdtemp(prefix="update-server-")
         self.folder = folder or self._scratch
+        if self._scratch and Server._tls:
+            shutil.copytree(Server._tls, os.path.join(self.folder, "tls"))
         self.process = subprocess.Popen([os.path.join(TOOLS, "update-server"), *options, self.folder],
                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
         self.said = {}
@@ -48,6 +54,10 @@ class Server:
         else:
             error = self.process.communicate(timeout=PATIENCE)[1]
             raise AssertionError(f"the server did not start: {error}")
+        if Server._tls is None:
+            Server._tls = tempfile.mkdtemp(prefix="update-server-tls-")
+            atexit.register(shutil.rmtree, Server._tls)
+            shutil.copytree(os.path.join(self.folder, "tls"), Server._tls, dirs_exist_ok=True)
         self.https, self.http = int(self.said["https-port"]), int(self.said["http-port"])
         self._lines, self._more = [], threading.Condition()
         self._reader = threading.Thread(target=self._read, daemon=True)

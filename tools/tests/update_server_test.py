@@ -80,6 +80,19 @@ class UpdateServerTest(unittest.TestCase):
                         b"POST /zqapplog HTTP/1.1\r\nContent-Length: 0\r\n\r\n"):
             self.assertTrue(self.server.plain(request).startswith(b"HTTP/1.1 404 "))
 
+    def test_packages_can_be_fetched_by_https(self):
+        self.offer("[server]\npackages = https\n[app-one.tgz]\nid = 7\n")
+        path = self.document().find("update").get("path")
+        self.assertEqual(path, f"https://localhost:{self.server.https}/packages/app-one.tgz")
+        self.assertEqual(body_of(self.server.secure(b"GET /packages/app-one.tgz HTTP/1.1\r\n\r\n")), b"first")
+
+    def test_address_of_the_packages_can_be_another_server(self):
+        other = support.Server("--packages-url", "http://packages.invalid/new/")
+        self.addCleanup(other.end)
+        other.package("app-one.tgz", b"first")
+        other.settings("[app-one.tgz]\nid = 7\n")
+        self.assertIn(b'path="http://packages.invalid/new/app-one.tgz"', other.check())
+
     def test_package_that_is_missing_is_not_offered(self):
         self.server.settings(TWO_OFFERS)
         self.assertEqual(self.offered(), [])
@@ -166,7 +179,9 @@ class UpdateServerTest(unittest.TestCase):
                              ("[app-x.tgz]\nid = 1\nforce = yes\n", "no key force"),
                              ("[app-x.tgz]\nid = 1\nforced = maybe\n", "forced is yes or no"),
                              ("[../x]\nid = 1\n", "no package's name"),
-                             ("[server]\ndeviceid = maybe\n", "deviceid is"), ("no section\n", "no section")):
+                             ("[server]\ndeviceid = maybe\n", "deviceid is"),
+                             ("[server]\npackages = ftp\n", "packages is http or https"),
+                             ("no section\n", "no section")):
             self.server.settings(text)
             self.assertTrue(self.server.check().startswith(b"HTTP/1.1 500 "), text)
             self.assertIn(reason, self.server.next_line())

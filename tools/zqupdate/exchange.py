@@ -41,8 +41,9 @@ class Exchange(http.server.BaseHTTPRequestHandler):
         service = self.server.service
         if self.secure and target.path == CHECK_PATH:
             mac = urllib.parse.parse_qs(target.query).get("mac", [""])[0]
-            peer, address = self.client_address[0], self.server.packages_url(self.connection.getsockname()[0])
-            self._answer("check", lambda fault: service.check(mac, peer, address, fault.name))
+            peer, reached_at = self.client_address[0], self.connection.getsockname()[0]
+            self._answer("check", lambda fault: service.check(
+                mac, peer, lambda scheme: self.server.packages_url(scheme, reached_at), fault.name))
         elif target.path.startswith(PACKAGE_PATH):
             self._answer("package", lambda fault: service.package(target.path))
         else:

@@ -56,7 +56,7 @@ class Service:
         return path
 
     def check(self, mac, peer, address, fault):
-        """`address`: the beginning of a package's URL, for example "http://127.0.0.1:8080"."""
+        """`address` gives, for "http" or "https", what stands before a package's name in its URL."""
         settings = self.check_settings()
         device = self._device(settings.deviceid, identity(mac, peer))
         updates, missing = [], []
@@ -66,7 +66,7 @@ class Service:
             if offer.path is None and self._package(offer.package) is None:
                 missing.append(offer.package)
                 continue
-            path = offer.path or address + PACKAGE_PATH + urllib.parse.quote(offer.package)
+            path = offer.path or address(settings.packages) + urllib.parse.quote(offer.package)
             updates.append((offer.id, offer.forced, offer.comment, path))
         text = documents.faulty(fault, documents.document(device, updates))
         report = f"check device={'-' if device is None else device} updates={_numbers(updates)}"

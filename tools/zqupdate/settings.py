@@ -13,6 +13,8 @@ TEMPLATE = """\
 [server]
 # Who gets which identity: "assign" gives each device a number of its own, a number gives all that one, "none" none.
 deviceid = assign
+# How devices fetch the packages: "http", or "https" from this server by the first name of its certificate.
+packages = http
 
 # A section for each package in the folder "packages" that is offered:
 #
@@ -36,6 +38,7 @@ class Offer(NamedTuple):
 
 class Settings(NamedTuple):
     deviceid: str  # "assign", "none" or a number
+    packages: str  # "http" or "https"
     offers: tuple
 
 
@@ -81,14 +84,17 @@ def _offer(path, parser, section):
 
 def read_settings(path):
     parser = read_ini(path, TEMPLATE)
-    deviceid = "assign"
+    deviceid, packages = "assign", "http"
     offers = []
     for section in parser.sections():
         if section == "server":
-            _check_keys(path, parser, section, ("deviceid",))
+            _check_keys(path, parser, section, ("deviceid", "packages"))
             deviceid = parser.get(section, "deviceid", fallback=deviceid)
+            packages = parser.get(section, "packages", fallback=packages)
         else:
             offers.append(_offer(path, parser, section))
     if not re.fullmatch(r"assign|none|[0-9]{1,9}", deviceid):
         raise ToolError(f"{path}: deviceid is assign, none or a number")
-    return Settings(deviceid, tuple(offers))
+    if packages not in ("http", "https"):
+        raise ToolError(f"{path}: packages is http or https")
+    return Settings(deviceid, packages, tuple(offers))
