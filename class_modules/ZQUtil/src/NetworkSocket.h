@@ -17,6 +17,7 @@ class NetworkSocket {
 
   // False when the system gives no socket.
   bool Ok() const { return descriptor_ >= 0; }
+  int Descriptor() const { return descriptor_; }
   // The request's result, and errno; negative when the kernel refuses.
   template <typename Request>
   int Ask(unsigned long question, Request* request) const {

@@ -29,10 +29,6 @@ ZQNetwork::ZQNetwork(bool /*live*/) : essidList(new zq_List("ESSID List", kSourc
 }
 
 ZQNetwork::~ZQNetwork() {
+  EmptyESSIDList();
   delete essidList;
-}
-
-zq_List* ZQNetwork::getESSIDList(bool /*active*/, bool /*cachedOnly*/, const char* /*essid*/,
-                                 bool /*ignored*/) {
-  return essidList;
 }

@@ -1,0 +1,117 @@
+#include "ScanSettling.h"
+
+#include <cstring>
+
+#include "ZQUtilTrace.h"
+#include "zq_memory.h"
+
+namespace {
+
+constexpr char kSourceTag[] = "class_modules/ZQUtil/ScanSettling";
+constexpr uint32_t kAdHoc = 1;
+
+}  // namespace
+
+ScanSettling::ScanSettling(zq_List* list, const char* wanted) : list_(list), wanted_(wanted) {
+  for (auto* position = list->First(); position != nullptr; position = list->Next(position)) {
+    const auto* const record = static_cast<const _ESSIDStruct*>(list->Record(position));
+    if (record->ESSID != nullptr) hashes_.set(Hash(record->ESSID));
+  }
+}
+
+ScanSettling::~ScanSettling() {
+  Clear();
+}
+
+bool ScanSettling::Before(const iw_event& event) {
+  if (event.cmd != SIOCGIWESSID) return true;
+  bool found = false;
+  if (wanted_ != nullptr && working_.ESSID != nullptr) {
+    found = strcmp(working_.ESSID, wanted_) == 0;
+    if (found) {
+      ZQUTIL_TRACE("ZQUtil accepting this essid %s looking for %s\n", working_.ESSID, wanted_);
+    } else {
+      ZQUTIL_TRACE("ZQUtil ignoring this essid %s looking for %s\n", working_.ESSID, wanted_);
+    }
+  }
+  if (!Settle()) return false;
+  if (found) ZQUTIL_TRACE("ZQUtil only cares about this ESSID so leaving now\n");
+  return !found;
+}
+
+void ScanSettling::After(const iw_event& event) {
+  if (event.cmd == SIOCGIWESSID) {
+    invalid_ = working_.ESSID == nullptr;
+    if (invalid_) {
+      ZQUTIL_TRACE("Invalid - Bad SSID\n");
+    } else {
+      ZQUTIL_TRACE("This is a Valid SSID\n");
+    }
+  } else if (event.cmd == SIOCGIWMODE && event.u.mode == kAdHoc) {
+    ZQUTIL_TRACE("Invalid - AdHoc SSID\n");
+    invalid_ = true;
+  }
+}
+
+// False when there is no memory.
+bool ScanSettling::Settle() {
+  // What the record says besides its name stays for the next cell then.
+  if (invalid_ || working_.ESSID == nullptr) return true;
+  if (working_.ESSID[0] == '\0') {
+    ZQUTIL_TRACE("Ditching zero length ESSID\n");
+  } else if (IsListed()) {
+    ZQUTIL_TRACE("=====\n");
+    ZQUTIL_TRACE(
+        "ZQUtil GetESSIDList Not Adding (duplicate) %s, encrypted %d, strength %d WPA %d TKIP %d AES %d\n",
+        working_.ESSID, working_.encrypted, working_.strength, working_.WPAVersion, working_.TKIP,
+        working_.AES);
+  } else {
+    return Add();
+  }
+  Clear();
+  return true;
+}
+
+void ScanSettling::End() {
+  if (invalid_ || working_.ESSID == nullptr) return;
+  if (working_.ESSID[0] == '\0') {
+    ZQUTIL_TRACE("Ditching zero length ESSID\n");
+  } else if (!IsListed()) {
+    Add();
+  }
+}
+
+bool ScanSettling::IsListed() const {
+  if (!hashes_.test(Hash(working_.ESSID))) return false;
+  for (auto* position = list_->First(); position != nullptr; position = list_->Next(position)) {
+    const auto* const record = static_cast<const _ESSIDStruct*>(list_->Record(position));
+    if (record->ESSID != nullptr && strcmp(record->ESSID, working_.ESSID) == 0) return true;
+  }
+  return false;
+}
+
+size_t ScanSettling::Hash(const char* name) const {
+  uint32_t hash = 2166136261U;  // FNV-1a
+  for (; *name != '\0'; ++name) hash = (hash ^ static_cast<uint8_t>(*name)) * 16777619U;
+  return (hash ^ hash >> 16) % hashes_.size();
+}
+
+// The name goes over to the new record.
+bool ScanSettling::Add() {
+  auto* const record = static_cast<_ESSIDStruct*>(zq__calloc(1, sizeof(_ESSIDStruct), kSourceTag, __LINE__));
+  if (record == nullptr) return false;
+  ZQUTIL_TRACE("=====\n");
+  ZQUTIL_TRACE("ZQUtil GetESSIDList Adding %s, encrypted %d, strength %d WPA %d TKIP %d AES %d\n",
+               working_.ESSID, working_.encrypted, working_.strength, working_.WPAVersion, working_.TKIP,
+               working_.AES);
+  *record = working_;
+  working_ = {};
+  list_->Add(record);
+  hashes_.set(Hash(record->ESSID));
+  return true;
+}
+
+void ScanSettling::Clear() {
+  zq__free(working_.ESSID, kSourceTag, __LINE__);
+  working_ = {};
+}
