@@ -96,7 +96,7 @@ ScanTest::~ScanTest() {
 }
 
 void ScanTest::SetRadio(const std::string& text) {
-  WriteFile(Hardware("link.ini"), "[driver]\n" + text);
+  WriteFile(Hardware("link.ini"), "[driver]\n" + text + "\n");
 }
 
 void ScanTest::SetCells(const std::string& text) {
