@@ -62,10 +62,10 @@ class Reader {
       inClass_ = true;
     else if (raw.starts_with("}"))
       inClass_ = false;
-    else if (inClass_ || TakePrefix(&line, "declare function "))
+    else if (!declaration_.empty() || inClass_ || TakePrefix(&line, "declare function "))
       Declaration(line);
     // A comment belongs to the declaration right below it.
-    text_.clear();
+    if (declaration_.empty()) text_.clear();
   }
 
   std::vector<MethodHelp> Take() { return std::move(found_); }
@@ -80,15 +80,21 @@ class Reader {
     inComment_ = !ends;
   }
 
+  // A declaration ends with ';', on this line or a later one.
   void Declaration(std::string_view line) {
-    if (line.ends_with(";")) line.remove_suffix(1);
-    const std::string_view name = FunctionName(line);
-    if (name.empty() || name == "constructor") return;
-    found_.push_back({std::string(name), std::string(line), text_});
+    if (declaration_.empty() && FunctionName(line).empty()) return;
+    if (!declaration_.empty()) declaration_ += ' ';
+    declaration_ += line;
+    if (!line.ends_with(";")) return;
+    declaration_.pop_back();
+    const std::string_view name = FunctionName(declaration_);
+    if (!name.empty() && name != "constructor") found_.push_back({std::string(name), declaration_, text_});
+    declaration_.clear();
   }
 
   std::vector<MethodHelp> found_;
   std::string text_;
+  std::string declaration_;  // as far as it was read
   bool inComment_ = false;
   bool inClass_ = false;
 };

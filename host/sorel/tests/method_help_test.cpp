@@ -28,16 +28,20 @@ TEST(MethodHelp, ReadsMethodsOfClassesAndFunctionsWithTheirComments) {
       "   */\n"
       "  setTZ(path: string): void;\n"
       "  bare(): string;\n"
+      "  /** Long. */\n"
+      "  spread(first: string,\n"
+      "         second: string): void;\n"
       "}\n"
       "/** Prints. */\n"
       "declare function print(...values: unknown[]): void;");
-  ASSERT_EQ(found.size(), 3U);
+  ASSERT_EQ(found.size(), 4U);
   EXPECT_EQ(found[0].name, "setTZ");
   EXPECT_EQ(sorel::ShowHelp(found[0]),
             "setTZ(path: string): void\n  Sets the zone,\n  at once.\n    path: of the zone's file\n"
             "  Returns nothing\n  Throws never");
   EXPECT_EQ(sorel::ShowHelp(found[1]), "bare(): string");
-  EXPECT_EQ(sorel::ShowHelp(found[2]), "print(...values: unknown[]): void\n  Prints.");
+  EXPECT_EQ(sorel::ShowHelp(found[2]), "spread(first: string, second: string): void\n  Long.");
+  EXPECT_EQ(sorel::ShowHelp(found[3]), "print(...values: unknown[]): void\n  Prints.");
 }
 
 TEST(MethodHelp, ACommentBelongsToTheLineBelowItAlone) {
