@@ -288,12 +288,13 @@ declare class ZQUtil {
    * addresses. Looks for networks first when none were looked for yet, to note in `net.listed` whether this one is in
    * the air. Line breaks in the texts are taken out.
    * @param ssid the network's name
-   * @param authentication for example "WPAPSK" or "OPEN", as the system's network script knows it
-   * @param encryption for example "AES" or "DISABLED", as the system's network script knows it
+   * @param authentication the `AuthType` of the network in the list, or another word that the system's network script
+   *   knows
+   * @param encryption its `EncType`
    * @param keyType is not stored: the key's length tells the type
    * @param key the passphrase or the WEP key's digits; "" for an open network
    * @param keyIndex the WEP key's number, from 1; 0 for none
-   * @param wpaType for example "WPA2", as the system's network script knows it
+   * @param wpaType its `WPAType`
    */
   setWirelessNetworkDHCP(ssid: string, authentication: string, encryption: string, keyType: string, key: string,
                          keyIndex: ZQText, wpaType: string): void;
@@ -306,12 +307,13 @@ declare class ZQUtil {
    * @param secondaryDNS the second name server
    * @param gateway the default gateway
    * @param ssid the network's name
-   * @param authentication for example "WPAPSK" or "OPEN"
-   * @param encryption for example "AES" or "DISABLED"
+   * @param authentication the `AuthType` of the network in the list, or another word that the system's network script
+   *   knows
+   * @param encryption its `EncType`
    * @param keyType is not stored: the key's length tells the type
    * @param key the passphrase or the WEP key's digits; "" for an open network
    * @param keyIndex the WEP key's number, from 1; 0 for none
-   * @param wpaType for example "WPA2"
+   * @param wpaType its `WPAType`
    */
   setWirelessNetworkStatic(ip: string, netmask: string, primaryDNS: string, secondaryDNS: string, gateway: string,
                            ssid: string, authentication: string, encryption: string, keyType: string, key: string,
