@@ -10,8 +10,8 @@
 namespace {
 
 constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQNetwork";
-constexpr int kMostOfRoute = 255;
-constexpr int kMostOfResolver = 999;
+constexpr size_t kMostOfRoute = 255;
+constexpr size_t kMostOfResolver = 999;
 
 char* NewText(const std::string& text) {
   return zq__newString(text.c_str(), kSourceTag, __LINE__);

@@ -15,7 +15,7 @@
 namespace {
 
 constexpr int32_t kHardwareVardo2 = 2;
-constexpr int kMostOfLine = 255;
+constexpr size_t kMostOfLine = 255;
 // The driver's own request that tells its state in words.
 constexpr unsigned long kDriverState = SIOCIWFIRSTPRIV + 0x11;
 constexpr uint16_t kStateRoom = 2047;
