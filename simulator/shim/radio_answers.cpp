@@ -95,23 +95,7 @@ int AnswerResults(const RadioSettings& settings, iw_point& place) {
   return 0;
 }
 
-int AnswerStatistics(const RadioSettings& settings, iw_point& place) {
-  iw_statistics statistics{};
-  statistics.qual = LinkQuality(settings);
-  return Give(&statistics, sizeof(statistics), place);
-}
-
-int AnswerStatus(const RadioSettings& settings, iw_point& place) {
-  char text[64] = "Not associated";
-  if (settings.associated) {
-    snprintf(text, sizeof(text), "Connected to %.*s", static_cast<int>(settings.essid.length),
-             reinterpret_cast<const char*>(settings.essid.bytes));
-  }
-  return Give(text, strlen(text) + 1, place);
-}
-
-}  // namespace
-
+// What the link's own settings leave open comes from the first cell with its name.
 iw_quality LinkQuality(const RadioSettings& settings) {
   iw_quality link{};
   if (!settings.associated) return link;
@@ -128,6 +112,23 @@ iw_quality LinkQuality(const RadioSettings& settings) {
   link.updated = IW_QUAL_QUAL_UPDATED | IW_QUAL_LEVEL_UPDATED | IW_QUAL_NOISE_INVALID;
   return link;
 }
+
+int AnswerStatistics(const RadioSettings& settings, iw_point& place) {
+  iw_statistics statistics{};
+  statistics.qual = LinkQuality(settings);
+  return Give(&statistics, sizeof(statistics), place);
+}
+
+int AnswerStatus(const RadioSettings& settings, iw_point& place) {
+  char text[64] = "Not associated";
+  if (settings.associated) {
+    snprintf(text, sizeof(text), "Connected to %.*s", static_cast<int>(settings.essid.length),
+             reinterpret_cast<const char*>(settings.essid.bytes));
+  }
+  return Give(text, strlen(text) + 1, place);
+}
+
+}  // namespace
 
 int AnswerRadio(RadioRequest which, const RadioSettings& settings, iwreq& request) {
   switch (which) {

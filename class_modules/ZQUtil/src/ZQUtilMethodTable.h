@@ -16,6 +16,7 @@
   FUNCTION("getESSIDList", 0, ZQUtil_GetESSIDList)                        \
   FUNCTION("getCachedESSIDList", 0, ZQUtil_GetCachedESSIDList)            \
   METHOD("backgroundGetESSIDList", 1, BackgroundGetESSIDList)             \
+  METHOD("getESSID", 0, GetESSID)                                         \
   METHOD("getConfiguredESSID", 0, GetConfiguredESSID)                     \
   METHOD("getConfiguredESSIDListed", 0, GetConfiguredESSIDListed)         \
   METHOD("getIP", 0, GetIP)                                               \
@@ -73,10 +74,6 @@
   METHOD("isTablet", 0, IsTablet)                                         \
   METHOD("batteryPct", 0, BatteryPct)                                     \
   METHOD("chargeStatus", 0, ChargeStatus)                                 \
-  METHOD("GetUpdateList", 0, GetUpdateList)                               \
-  METHOD("beginUpdate", 1, BeginUpdate)                                   \
-  METHOD("registerUpdateListener", 1, RegisterUpdateListener)             \
-  METHOD("factoryReset", 0, FactoryReset)                                 \
   METHOD("getIniSetting", 2, GetIniSetting)                               \
   METHOD("setIniSetting", 3, SetIniSetting)                               \
   METHOD("deleteIniFile", 1, DeleteIniFile)                               \

@@ -13,8 +13,37 @@ namespace {
 
 constexpr char kListenerProperty[] = "getessidListener";
 
+// A record that nobody else owns, with its name.
+class OwnedRecord {
+ public:
+  explicit OwnedRecord(_ESSIDStruct* record)
+      : record_(record), name_(record != nullptr ? record->ESSID : nullptr) {}
+  const char* Name() const { return name_.get(); }
+  const _ESSIDStruct* operator->() const { return record_.get(); }
+
+ private:
+  const std::unique_ptr<_ESSIDStruct, ReturnToPlatform> record_;
+  const OwnedText name_;
+};
+
 bool SameName(const char* one, const char* other) {
   return one != nullptr && other != nullptr && strcasecmp(one, other) == 0;
+}
+
+// What is known of the network that the device is set to; all of it "" and 0 for none.
+struct CurrentNetwork {
+  const char* name = "";
+  int32_t signal = 0;
+  int32_t encrypted = 0;
+  int32_t connected = 0;
+};
+
+void SetCurrentNetwork(void* object, const CurrentNetwork& current) {
+  if (object == nullptr) return;
+  SetTextProperty(object, "Name", current.name);
+  SetValueProperty(object, "Signal", ZQ_VALUE_FROM_INT(current.signal));
+  SetValueProperty(object, "Encrypted", ZQ_VALUE_FROM_INT(current.encrypted));
+  SetValueProperty(object, "Connected", ZQ_VALUE_FROM_INT(current.connected));
 }
 
 // Whether the device is connected to this network.
@@ -69,6 +98,25 @@ int32_t ZQUtil::GetESSIDList(void* /*self*/, uint32_t /*argc*/, zq_Value* /*argv
   const zq_List* const list = network->getESSIDList(true, cached, nullptr, flag);
   if (list != nullptr) FillArray(array, *network, *list);
   if (rval != nullptr) *rval = ObjectValue(array);
+  return 1;
+}
+
+int32_t ZQUtil::GetESSID(void* /*self*/, uint32_t /*argc*/, zq_Value* /*argv*/, zq_Value* rval) {
+  ZQUTIL_TRACE("ZQUtil GUI Call to GetESSID\n");
+  void* const object = ReturnNewObject(rval);
+  if (network == nullptr) return 1;
+  const OwnedText configured(network->getConfiguredESSID());
+  const OwnedRecord record(configured != nullptr ? network->GetESSIDInfo(configured.get()) : nullptr);
+  if (record.Name() != nullptr) {
+    ZQUTIL_TRACE("ZQUtil GetESSID testing %s (%s)\n", record.Name(), configured.get());
+    if (SameName(record.Name(), configured.get())) {
+      ZQUTIL_TRACE("ZQUtil GetESSID returning %s (Strength %d)\n", record.Name(), record->strength);
+      SetCurrentNetwork(object, {record.Name(), record->strength, record->encrypted != 0 ? 1 : 0,
+                                 network->ConnectedStatus() ? 1 : 0});
+      return 1;
+    }
+  }
+  SetCurrentNetwork(object, {});
   return 1;
 }
 

@@ -21,9 +21,6 @@ class BusCalls {
   std::string Take();
 };
 
-// How many block reads there were.
-long BusReads();
-
 // Called at the next selection of a chip, on the thread that makes it, before it is passed on.
 void AtNextSelection(void (*action)());
 

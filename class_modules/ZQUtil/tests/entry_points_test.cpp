@@ -13,7 +13,7 @@
 namespace {
 
 constexpr char kAllMethods[] =
-    "constructor/0 getESSIDList/0 getCachedESSIDList/0 backgroundGetESSIDList/1 "
+    "constructor/0 getESSIDList/0 getCachedESSIDList/0 backgroundGetESSIDList/1 getESSID/0 "
     "getConfiguredESSID/0 getConfiguredESSIDListed/0 getIP/0 getMACAddr/0 getSubnetMask/0 getPrimaryDNS/0 "
     "getSecondaryDNS/0 getGateway/0 getProxy/0 getNetworkType/0 getDHCPEnabled/0 getProxyEnabled/0 "
     "getSignalStrength/0 setWiredNetworkDHCP/0 setWiredNetworkStatic/5 setWirelessNetworkDHCP/7 "
@@ -25,8 +25,7 @@ constexpr char kAllMethods[] =
     "screenStandby/0 getTZList/0 getNTPEnabled/0 setNTPEnabled/1 getPrimaryNTPServer/0 "
     "setPrimaryNTPServer/1 getSecondaryNTPServer/0 setSecondaryNTPServer/1 setTime/1 setTZ/1 getTZ/0 "
     "getMilitaryTimeEnabled/0 setMilitaryTimeEnabled/1 appLog/3 isTablet/0 batteryPct/0 chargeStatus/0 "
-    "GetUpdateList/0 beginUpdate/1 registerUpdateListener/1 factoryReset/0 getIniSetting/2 setIniSetting/3 "
-    "deleteIniFile/1 writeFile/2 deleteFile/1 utf8Encode/1 ";
+    "getIniSetting/2 setIniSetting/3 deleteIniFile/1 writeFile/2 deleteFile/1 utf8Encode/1 ";
 
 // Each script name with the symbol of the function that answers it.
 constexpr std::pair<const char*, const char*> kAllWrappers[] = {
@@ -34,6 +33,7 @@ constexpr std::pair<const char*, const char*> kAllWrappers[] = {
     {"getESSIDList", "ZQUtil_GetESSIDList"},
     {"getCachedESSIDList", "ZQUtil_GetCachedESSIDList"},
     {"backgroundGetESSIDList", "ZQUtil_BackgroundGetESSIDList"},
+    {"getESSID", "ZQUtil_GetESSID"},
     {"getConfiguredESSID", "ZQUtil_GetConfiguredESSID"},
     {"getConfiguredESSIDListed", "ZQUtil_GetConfiguredESSIDListed"},
     {"getIP", "ZQUtil_GetIP"},
@@ -91,10 +91,6 @@ constexpr std::pair<const char*, const char*> kAllWrappers[] = {
     {"isTablet", "ZQUtil_IsTablet"},
     {"batteryPct", "ZQUtil_BatteryPct"},
     {"chargeStatus", "ZQUtil_ChargeStatus"},
-    {"GetUpdateList", "ZQUtil_GetUpdateList"},
-    {"beginUpdate", "ZQUtil_BeginUpdate"},
-    {"registerUpdateListener", "ZQUtil_RegisterUpdateListener"},
-    {"factoryReset", "ZQUtil_FactoryReset"},
     {"getIniSetting", "ZQUtil_GetIniSetting"},
     {"setIniSetting", "ZQUtil_SetIniSetting"},
     {"deleteIniFile", "ZQUtil_DeleteIniFile"},

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <sstream>
 #include <utility>
 
@@ -22,15 +23,16 @@ class NetworkMethodsTest : public ModuleTest {
     ForgetTraces();
     return engine.Answer(util_, method, std::move(arguments));
   }
-  // The traces of the calls: a restart's thread has its own pace, the store says what keys it lacks, and what the network
-  // object traces is another test's.
+  // The traces of the calls: a restart's thread has its own pace, the store
+  // says what keys it lacks, and what the network object traces is another
+  // test's.
   std::string MethodTraces() const {
     std::string all;
     std::istringstream lines(Traces());
     for (std::string line; std::getline(lines, line);) {
-      if (line.rfind("ZQUtil GUI ", 0) == 0 ||
-          (line.rfind("ZQUtil Get", 0) == 0 && line != "ZQUtil Getting ESSID") ||
-          line.rfind("ZQUtil SetWireless", 0) == 0 || line.rfind("ZQUtil returning", 0) == 0) {
+      const bool own = line.rfind("ZQUtil GUI ", 0) == 0 || line.rfind("ZQUtil Get", 0) == 0 ||
+                       line.rfind("ZQUtil SetWireless", 0) == 0 || line.rfind("ZQUtil returning", 0) == 0;
+      if (own && line.rfind("ZQUtil Getting ", 0) != 0 && line.rfind("ZQUtil GetESSIDList", 0) != 0) {
         all += line + "\n";
       }
     }
@@ -76,7 +78,8 @@ TEST_F(NetworkMethodsTest, GettersAnswerWhatTheKeyStoreSays) {
   EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to GetProxy\nZQUtil GetProxy returning 10.0.0.1\n");
   EXPECT_EQ(Ask("getConfiguredESSID"), "Home");
   EXPECT_EQ(MethodTraces(),
-            "ZQUtil GUI Call to GetConfiguredESSID\nZQUtil GetConfiguredESSID Returning Home\n");
+            "ZQUtil GUI Call to GetConfiguredESSID\nZQUtil "
+            "GetConfiguredESSID Returning Home\n");
   EXPECT_EQ(Ask("getNetworkType"), "wireless");
   EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to GetNetworkType\nZQUtil returning wireless\n");
   EXPECT_EQ(Ask("getDHCPEnabled"), "NO");
@@ -85,18 +88,25 @@ TEST_F(NetworkMethodsTest, GettersAnswerWhatTheKeyStoreSays) {
   EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to GetProxyEnabled\nZQUtil returning YES\n");
   EXPECT_EQ(Ask("getConfiguredESSIDListed"), "FALSE");
   EXPECT_EQ(MethodTraces(),
-            "ZQUtil GUI Call to GetConfiguredESSIDListed\nZQUtil GetConfiguredESSIDListed returning FALSE\n");
+            "ZQUtil GUI Call to GetConfiguredESSIDListed\nZQUtil "
+            "GetConfiguredESSIDListed returning FALSE\n");
 }
 
 TEST_F(NetworkMethodsTest, GettersAnswerWhatTheSystemSays) {
   WriteFile(OnThisMachine("/proc/net/route"), "eth0\t00000000\t0101A8C0\t0003\n");
   WriteFile("/etc/resolv.conf", "nameserver 1.1.1.1\nnameserver 2.2.2.2\n");
   EXPECT_EQ(Ask("getGateway"), "192.168.1.1");
-  EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to GetGateway\nZQUtil GetGateway returning 192.168.1.1\n");
+  EXPECT_EQ(MethodTraces(),
+            "ZQUtil GUI Call to GetGateway\nZQUtil GetGateway "
+            "returning 192.168.1.1\n");
   EXPECT_EQ(Ask("getPrimaryDNS"), "1.1.1.1");
-  EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to GetPrimaryDNS\nZQUtil GetPrimaryDNS returning 1.1.1.1\n");
+  EXPECT_EQ(MethodTraces(),
+            "ZQUtil GUI Call to GetPrimaryDNS\nZQUtil "
+            "GetPrimaryDNS returning 1.1.1.1\n");
   EXPECT_EQ(Ask("getSecondaryDNS"), "2.2.2.2");
-  EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to GetSecondaryDNS\nZQUtil GetSecondaryDNS returning 2.2.2.2\n");
+  EXPECT_EQ(MethodTraces(),
+            "ZQUtil GUI Call to GetSecondaryDNS\nZQUtil "
+            "GetSecondaryDNS returning 2.2.2.2\n");
   const std::string ip = Ask("getIP");
   EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to GetIP\nZQUtil GetIP Returning " + ip + "\n");
   const std::string mask = Ask("getSubnetMask");
@@ -108,7 +118,9 @@ TEST_F(NetworkMethodsTest, GettersAnswerWhatTheSystemSays) {
             "ZQUtil GUI Call to GetMACAddr\nZQUtil returning MAC Address for interface 3, 02:00:00:00:10:01\n"
             "ZQUtil GetMACAddr returning 02:00:00:00:10:01\n");
   EXPECT_EQ(Ask("getSignalStrength"), "<int 0>");
-  EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to GetSignalStrength\nZQUtil GetSignalStrength Returning 0\n");
+  EXPECT_EQ(MethodTraces(),
+            "ZQUtil GUI Call to GetSignalStrength\nZQUtil "
+            "GetSignalStrength Returning 0\n");
 }
 
 TEST_F(NetworkMethodsTest, TextsAreMadeWithTheirNulCounted) {
@@ -165,6 +177,7 @@ TEST_F(NetworkMethodsTest, WithoutTheNetworkEveryMethodSucceedsAndDoesNothing) {
       Ask("setWirelessNetworkStatic", Texts({"1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11", "12"})),
       "<void>");
   EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to SetWirelessNetworkStatic\n");
+  EXPECT_EQ(ObjectOf("getESSID"), "") << "an object, empty";
   EXPECT_EQ(ObjectOf("getWirelessSecurity"), "");
   EXPECT_EQ(Ask("getFirstTime"), "No");
   EXPECT_EQ(Ask("getConfiguredESSIDListed"), "");
@@ -303,7 +316,8 @@ TEST_F(WirelessMethodsTest, WirelessDhcpIsSet) {
   EXPECT_EQ(Ask("setWirelessNetworkDHCP", dhcp_), "<void>");
   EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to SetWirelessNetworkDHCP\n");
   EXPECT_EQ(Stored(),
-            "dhcp=YES wifi=YES essid=Home authtype=OPEN enctype=WEP key=0123456789 index=2 wpatype=none");
+            "dhcp=YES wifi=YES essid=Home authtype=OPEN enctype=WEP "
+            "key=0123456789 index=2 wpatype=none");
 }
 
 TEST_F(WirelessMethodsTest, WirelessDhcpNamesTheOneArgumentThatIsMissing) {
@@ -313,7 +327,8 @@ TEST_F(WirelessMethodsTest, WirelessDhcpNamesTheOneArgumentThatIsMissing) {
       arguments[place] = missing;
       EXPECT_EQ(Ask("setWirelessNetworkDHCP", arguments), "<void>");
       EXPECT_EQ(MethodTraces(),
-                "ZQUtil GUI Call to SetWirelessNetworkDHCP\nZQUtil SetWirelessNetworkDHCP missing "
+                "ZQUtil GUI Call to SetWirelessNetworkDHCP\nZQUtil "
+                "SetWirelessNetworkDHCP missing "
                 "argument " +
                     std::to_string(place) + "\n");
     }
@@ -357,7 +372,8 @@ TEST_F(WirelessMethodsTest, WirelessStaticIsSetAndComplainsAllTheSame) {
   EXPECT_EQ(Ask("setWirelessNetworkStatic", static_), "<void>");
   EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to SetWirelessNetworkStatic\n" + Missing(11, 1));
   EXPECT_EQ(Stored(),
-            "dhcp=NO wifi=YES essid=Home authtype=OPEN enctype=WEP key=0123456789 index=2 wpatype=none "
+            "dhcp=NO wifi=YES essid=Home authtype=OPEN enctype=WEP key=0123456789 "
+            "index=2 wpatype=none "
             "ipaddr=10.0.0.2 netmask=255.0.0.0 gateway=10.0.0.1 ns=1.1.1.1,2.2.2.2");
   Ask("setWirelessNetworkStatic", std::vector<zq_Value>(static_.begin(), static_.begin() + 11));
   EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to SetWirelessNetworkStatic\n" + Missing(11, 1));
@@ -386,8 +402,7 @@ TEST_F(WirelessMethodsTest, SecurityIsAnObject) {
   ForgetTraces();
   EXPECT_EQ(ObjectOf("getWirelessSecurity"),
             "netAuth=OPEN encryption=WEP keyType=WEP40 key=0123456789 index=<int 2>");
-  EXPECT_EQ(Traces().rfind("ZQUtil GUI Call to GetWirelessSecurity\n", 0), 0U) << Traces();
-  EXPECT_NE(Traces().find("ZQUtil GetWirelessSecurity Done\n"), std::string::npos);
+  EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to GetWirelessSecurity\nZQUtil GetWirelessSecurity Done\n");
 }
 
 TEST_F(WirelessMethodsTest, TheCachedListIsTheOneThatWasKept) {
@@ -396,13 +411,17 @@ TEST_F(WirelessMethodsTest, TheCachedListIsTheOneThatWasKept) {
   wpa.WPAVersion = 1;
   wpa.TKIP = 1;
   EXPECT_EQ(Entries("getCachedESSIDList"),
-            "Name=Home Signal=<int 30> Encrypted=<int 0> Connected=<int 0> AuthType=Disabled EncType=None "
+            "Name=Home Signal=<int 30> Encrypted=<int 0> Connected=<int 0> "
+            "AuthType=Disabled EncType=None "
             "WPAType=None\n"
-            "Name=Wpa Signal=<int -12> Encrypted=<int 1> Connected=<int 0> AuthType=WPA-PSK EncType=TKIP "
+            "Name=Wpa Signal=<int -12> Encrypted=<int 1> Connected=<int 0> "
+            "AuthType=WPA-PSK EncType=TKIP "
             "WPAType=WPA1\n");
   EXPECT_EQ(Traces().rfind("ZQUtil GUI Call to GetESSIDList\n", 0), 0U) << Traces();
-  EXPECT_NE(Traces().find("=====Returning ESSID Home\nAuthtype=Disabled\nWPAType=None\nEnctype=None\n=====\n"
-                          "=====Returning ESSID Wpa\nAuthtype=WPA-PSK\nWPAType=WPA1\nEnctype=TKIP\n=====\n"),
+  EXPECT_NE(Traces().find("=====Returning ESSID "
+                          "Home\nAuthtype=Disabled\nWPAType=None\nEnctype=None\n=====\n"
+                          "=====Returning ESSID "
+                          "Wpa\nAuthtype=WPA-PSK\nWPAType=WPA1\nEnctype=TKIP\n=====\n"),
             std::string::npos)
       << Traces();
   Forget();
@@ -466,38 +485,159 @@ TEST_F(WirelessMethodsTest, AnArrayWithoutObjectsIsEmpty) {
   EXPECT_EQ(ObjectOf("getWirelessSecurity"), "<void>");
 }
 
-class BackgroundScanTest : public NetworkMethodsTest {
+// A radio with these networks in the air and that link, which answers a scan at once.
+class RadioTest : public NetworkMethodsTest {
  protected:
+  RadioTest() : cells_(ReadFile(OnThisMachine(kCells))), link_(ReadFile(OnThisMachine(kLink))) {
+    SetAir("[Home]\nsecurity = wpa2\nlevel = 196\n[Cafe]\nsecurity = open\nlevel = 150\n");
+    SetLink("");
+    WriteFile(OnThisMachine("/hw/ra0/calls"), "");
+  }
+  ~RadioTest() override {
+    WriteFile(OnThisMachine(kCells), cells_);
+    WriteFile(OnThisMachine(kLink), link_);
+    std::filesystem::remove(OnThisMachine("/hw/ra0/calls"));
+  }
+
+  static void SetAir(const std::string& cells) { WriteFile(OnThisMachine(kCells), cells); }
+  static void SetLink(const std::string& joined) {
+    WriteFile(OnThisMachine(kLink), "[link]\nup = yes\n" + joined + "[driver]\nresults_ms = 0\n");
+  }
+  static void Join() {
+    SetLink("associated = yes\nessid = Home\n[address]\nip = 10.0.0.7\n");
+    StoreKey("net.wifi", "yes");
+  }
+  // How often a scan was asked for.
+  static int Scans() {
+    const std::string calls = ReadFile(OnThisMachine("/hw/ra0/calls"));
+    int count = 0;
+    for (size_t at = calls.find("\nscan:"); at != std::string::npos; at = calls.find("\nscan:", at + 1))
+      ++count;
+    return count;
+  }
   std::string Property() {
     const auto& properties = engine.ClassObject().properties;
     const auto found = properties.find("getessidListener");
     return found != properties.end() ? engine.Show(found->second) : "<none>";
   }
+  // The names in the list that a method answers, a comma behind each.
+  std::string Names(const std::string& method) {
+    zq_Value result = ZQ_VALUE_VOID;
+    EXPECT_EQ(engine.Call(util_, method, {}, &result), 1);
+    std::string all;
+    for (const auto& [index, value] : reinterpret_cast<Object*>(result)->elements) {
+      all += engine.Show(reinterpret_cast<Object*>(value)->properties.at("Name")) + ",";
+    }
+    return all;
+  }
+
+ private:
+  static constexpr char kCells[] = "/hw/ra0/cells.ini";
+  static constexpr char kLink[] = "/hw/ra0/link.ini";
+  const std::string cells_;
+  const std::string link_;
 };
 
-TEST_F(BackgroundScanTest, WhatIsNoListenerForgetsTheOneThatWaits) {
+TEST_F(RadioTest, AListIsScannedForAndKept) {
+  EXPECT_EQ(Names("getCachedESSIDList"), "");
+  EXPECT_EQ(Scans(), 0);
+  EXPECT_EQ(Names("getESSIDList"), "Home,Cafe,");
+  EXPECT_EQ(Scans(), 1);
+  SetAir("[Other]\n");
+  EXPECT_EQ(Names("getCachedESSIDList"), "Home,Cafe,") << "as they were";
+  EXPECT_EQ(Scans(), 1);
+  EXPECT_EQ(Names("getESSIDList"), "Other,");
+}
+
+TEST_F(RadioTest, ASetUpBeforeAnyListScansToKnowWhetherItsNetworkIsListed) {
+  Ask("setWirelessNetworkDHCP", Texts({"Home", "OPEN", "DISABLED", "NOKEY", "", "0", ""}));
+  EXPECT_EQ(StoredKey("net.listed"), "<none>");
+  EXPECT_EQ(Scans(), 1);
+  Ask("setWirelessNetworkDHCP", Texts({"Hidden", "OPEN", "DISABLED", "NOKEY", "", "0", ""}));
+  EXPECT_EQ(StoredKey("net.listed"), "FALSE");
+  EXPECT_EQ(Scans(), 1) << "the list is there";
+}
+
+TEST_F(RadioTest, TheCurrentNetworkBearsItsNameAlsoWhenItIsNotJoined) {
+  EXPECT_EQ(ObjectOf("getESSID"), "Name= Signal=<int 0> Encrypted=<int 0> Connected=<int 0>");
+  StoreKey("net.essid", "Home");
+  ForgetTraces();
+  EXPECT_EQ(ObjectOf("getESSID"), "Name=Home Signal=<int 0> Encrypted=<int 0> Connected=<int 0>");
+  EXPECT_EQ(MethodTraces(),
+            "ZQUtil GUI Call to GetESSID\nZQUtil GetESSID testing Home (Home)\n"
+            "ZQUtil GetESSID returning Home (Strength 0)\n");
+  Join();
+  EXPECT_EQ(ObjectOf("getESSID"), "Name=Home Signal=<int 54> Encrypted=<int 0> Connected=<int 1>");
+}
+
+TEST_F(RadioTest, ACurrentNetworkWithoutANameOrAStoreIsEmpty) {
+  StoreKey("net.essid", "Home");
+  const ClosedKeyStore closed;
+  ForgetTraces();
+  EXPECT_EQ(ObjectOf("getESSID"), "Name= Signal=<int 0> Encrypted=<int 0> Connected=<int 0>");
+  EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to GetESSID\n");
+}
+
+TEST_F(RadioTest, ABackgroundScanTellsItsListenerOnceAndTheListIsThere) {
+  Object& listener = engine.NewObject();
+  EXPECT_EQ(Ask("backgroundGetESSIDList", {BareEngine::Word(listener)}), "<void>");
+  EXPECT_EQ(Traces().rfind(
+                "ZQUtil GUI Call to BackgroundGetESSIDList\nZQUtil Clearing old listener\nZQUtil Messaging "
+                "thread to get SSIDs " +
+                    std::to_string(ZQUtil::m_pInstance->Handle()) + "\n",
+                0),
+            0U)
+      << Traces();
+  Settle();
+  EXPECT_EQ(engine.TakeCalls(), "onSSIDList()");
+  EXPECT_EQ(Property(), "<null>");
+  EXPECT_EQ(ZQUtil::m_pInstance->getessidListener, nullptr);
+  EXPECT_EQ(Names("getCachedESSIDList"), "Home,Cafe,");
+  EXPECT_EQ(Scans(), 1);
+}
+
+TEST_F(RadioTest, OfBackgroundScansInQuickSuccessionTheLastListenerHearsTheFirstResultAndNobodyTheNext) {
+  for (int i = 0; i < 3; ++i) {
+    Object& listener = engine.NewObject();
+    Ask("backgroundGetESSIDList", {BareEngine::Word(listener)});
+    EXPECT_EQ(Property(), "<object>");
+  }
+  Settle();
+  EXPECT_EQ(engine.TakeCalls(), "onSSIDList()");
+  EXPECT_EQ(Scans(), 3);
+}
+
+TEST_F(RadioTest, AListenerThatIsForgottenMeanwhileHearsNothing) {
+  Ask("backgroundGetESSIDList", {BareEngine::Word(engine.NewObject())});
+  Ask("backgroundGetESSIDList");
+  Settle();
+  EXPECT_EQ(engine.TakeCalls(), "");
+  EXPECT_EQ(Scans(), 1);
+}
+
+TEST_F(RadioTest, WhatIsNoListenerForgetsTheOneThatWaits) {
   const std::vector<std::pair<std::vector<zq_Value>, std::string>> calls = {
       {{}, "ZQUtil argument miscount, clearing\n"},
       {{S("a"), S("b")}, "ZQUtil argument miscount, clearing\n"},
       {{ZQ_VALUE_VOID}, "ZQUtil void argument, clearing\n"},
       {{ZQ_VALUE_NULL}, "ZQUtil NULL argument, clearing\n"}};
   for (const auto& [arguments, reason] : calls) {
-    Object& listener = engine.NewObject();
-    ZQUtil::m_pInstance->getessidListener = &listener;
+    ZQUtil::m_pInstance->getessidListener = &engine.NewObject();
     EXPECT_EQ(Ask("backgroundGetESSIDList", arguments), "<void>");
     EXPECT_EQ(Traces(), "ZQUtil GUI Call to BackgroundGetESSIDList\n" + reason);
     EXPECT_EQ(Property(), "<null>");
     EXPECT_EQ(ZQUtil::m_pInstance->getessidListener, nullptr);
   }
-  EXPECT_EQ(engine.TakeCalls(), "");
+  EXPECT_EQ(Scans(), 0);
 }
 
-TEST_F(BackgroundScanTest, WhatIsNoObjectFailsAndChangesNothing) {
+TEST_F(RadioTest, WhatIsNoObjectFailsAndChangesNothing) {
   Object& listener = engine.NewObject();
   ZQUtil::m_pInstance->getessidListener = &listener;
   EXPECT_EQ(Ask("backgroundGetESSIDList", {S("text")}), "<returned 0>");
   EXPECT_EQ(Traces(), "ZQUtil GUI Call to BackgroundGetESSIDList\nZQUtil Clearing old listener\n");
   EXPECT_EQ(ZQUtil::m_pInstance->getessidListener, &listener);
+  EXPECT_EQ(Scans(), 0);
 }
 
 }  // namespace
