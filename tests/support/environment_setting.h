@@ -1,6 +1,6 @@
 // An environment variable for the length of a test.
-#ifndef ZQWWW_TEST_ENVIRONMENT_SETTING_H
-#define ZQWWW_TEST_ENVIRONMENT_SETTING_H
+#ifndef ZQ_TEST_ENVIRONMENT_SETTING_H
+#define ZQ_TEST_ENVIRONMENT_SETTING_H
 
 #include <cstdlib>
 #include <optional>
