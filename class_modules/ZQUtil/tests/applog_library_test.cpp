@@ -1,8 +1,10 @@
-// With the application-log library installed. This program is linked with one of that name, which the loader gives out
-// when the module asks for it.
+// The application-log library: installed, another one, and none.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "ZQUtilEntryPoints.h"
+#include "library_choice.h"
 #include "module_fixture.h"
 
 extern "C" {
@@ -17,6 +19,7 @@ namespace {
 class ApplogLibraryTest : public ModuleTest {
  protected:
   ApplogLibraryTest() {
+    ChooseAppLogLibrary(AppLogLibrary::kStub);
     stubRegistered = nullptr;
     stubUnregistered = 0;
     stubRecords.clear();
@@ -122,12 +125,53 @@ TEST_F(AppLogTest, AValueThatCannotBeTextLogsNothingOrNoDetail) {
   EXPECT_EQ(Log({S("Radio"), S("play"), unconvertible}), "1 text|text|<null>\n");
 }
 
-TEST_F(AppLogTest, WithoutTheLibraryLoggingIsOff) {
+TEST_F(AppLogTest, AfterTheModulesEndLoggingIsOff) {
   Load();
   MM_TermWrapper();
   Start();
   EXPECT_EQ(Log({S("Radio"), S("play")}), "1 ");
   EXPECT_EQ(Traces(), std::string(kCalled) + "ZQUtil Application Logging Disabled\n");
+}
+
+class NoAppLogTest : public AppLogTest {
+ protected:
+  NoAppLogTest() { ChooseAppLogLibrary(AppLogLibrary::kMissing); }
+};
+
+TEST_F(NoAppLogTest, TheModuleIsLoadedAllTheSame) {
+  EXPECT_EQ(Load(), 0);
+  EXPECT_EQ(MM_TermWrapper(), 0);
+}
+
+TEST_F(NoAppLogTest, LoggingIsOff) {
+  Start();
+  EXPECT_EQ(ZQUtil::m_pInstance->appLogActivity, nullptr);
+  EXPECT_EQ(Log({S("Radio"), S("play")}), "1 ");
+  EXPECT_EQ(Traces(), std::string(kCalled) + "ZQUtil Application Logging Disabled\n");
+}
+
+class PlatformsAppLogTest : public AppLogTest {
+ protected:
+  PlatformsAppLogTest() {
+    ChooseAppLogLibrary(AppLogLibrary::kPlatforms);
+    std::filesystem::remove("zqapplog.log");
+  }
+  ~PlatformsAppLogTest() override { std::filesystem::remove("zqapplog.log"); }
+};
+
+TEST_F(PlatformsAppLogTest, RegistersWithoutAFailure) {
+  EXPECT_EQ(Load(), 0);
+  New();
+  EXPECT_NE(ZQUtil::m_pInstance->appLogActivity, nullptr);
+}
+
+TEST_F(PlatformsAppLogTest, RecordsAreInItsFileWhenTheModuleEnds) {
+  Start();
+  EXPECT_EQ(Log({S("Radio"), S("play"), S("Station 5")}), "1 ");
+  EXPECT_EQ(Log({S("Radio"), S("stop")}), "1 ");
+  Unload();
+  EXPECT_EQ(ReadFile("zqapplog.log"),
+            "2026-11-21T09:00:00Z\tRadio\tplay\tStation 5\n2026-11-21T09:00:00Z\tRadio\tstop\t-\n");
 }
 
 }  // namespace

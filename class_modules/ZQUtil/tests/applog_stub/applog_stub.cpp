@@ -1,4 +1,4 @@
-// Stands for an installed application-log library: notes what it is asked.
+// Stands for the application-log library: notes what it is asked.
 #include <cstdint>
 #include <string>
 

@@ -1,0 +1,14 @@
+// Which application-log library the loader gives out.
+#ifndef ZQUTIL_TEST_LIBRARY_CHOICE_H
+#define ZQUTIL_TEST_LIBRARY_CHOICE_H
+
+enum class AppLogLibrary {
+  kPlatforms,  // the one beside the platform's
+  kStub,       // one that notes what it is asked; this program is linked with it
+  kMissing
+};
+
+// From the next load on.
+void ChooseAppLogLibrary(AppLogLibrary library);
+
+#endif
