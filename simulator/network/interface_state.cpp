@@ -49,11 +49,9 @@ void AddAlias(std::string_view value, InterfaceState* state) {
 }
 
 void SetLink(std::string_view key, std::string_view value, InterfaceState* state) {
-  uint32_t quality = 0;
   if (key == "up") SetFlag(value, "yes", "no", &state->up);
   if (key == "cable") SetFlag(value, "plugged", "unplugged", &state->link);
   if (key == "associated") SetFlag(value, "yes", "no", &state->link);
-  if (key == "quality" && ReadDecimal(value, 100, &quality)) state->quality = static_cast<int>(quality);
 }
 
 void SetAddress(std::string_view key, std::string_view value, InterfaceState* state) {

@@ -41,7 +41,6 @@ constexpr size_t kInterfaceRequests = 6;
 struct InterfaceState {
   bool up = false;    // as the system's scripts have set it
   bool link = false;  // a cable is plugged in, or the radio is associated
-  int quality = -1;   // the radio's link, 0 to 100; -1 where the file does not say
   InterfaceAddress addresses[kMostAddresses];
   size_t count = 0;
   Ipv4 gateway;
@@ -55,7 +54,6 @@ struct InterfaceState {
 //   up          yes | no
 //   cable       plugged | unplugged      (wired)
 //   associated  yes | no                 (radio)
-//   quality     0 to 100                 (radio)
 // [address]
 //   ip, netmask, gateway   dotted; without ip, or with 0.0.0.0, there is none; netmask 255.255.255.0
 //   alias       LABEL IP [NETMASK], one line each; at most 63

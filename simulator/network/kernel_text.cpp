@@ -64,8 +64,8 @@ void AddCarrier(const InterfaceState& state, KernelText* text) {
   text->Add(state.IsRunning() ? "1\n" : "0\n");
 }
 
-void AddWirelessLink(const InterfaceState& state, KernelText* text) {
-  text->AddNumber(state.IsRunning() && state.quality > 0 ? static_cast<uint32_t>(state.quality) : 0);
+void AddWirelessLink(const InterfaceState& state, uint8_t quality, KernelText* text) {
+  text->AddNumber(state.IsRunning() ? quality : 0);
   text->Add("\n");
 }
 

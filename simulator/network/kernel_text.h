@@ -24,8 +24,8 @@ class KernelText {
 // /sys/class/net/NAME/operstate and carrier.
 void AddOperstate(const InterfaceState& state, KernelText* text);
 void AddCarrier(const InterfaceState& state, KernelText* text);
-// wireless/link below an interface's folder: 0 while the radio is not associated.
-void AddWirelessLink(const InterfaceState& state, KernelText* text);
+// wireless/link below the radio's folder: the link's quality; 0 while it is down.
+void AddWirelessLink(const InterfaceState& state, uint8_t quality, KernelText* text);
 // /proc/net/route: its first line, and an interface's lines: its default route, when it has one, and those to the
 // networks of its addresses. None while the interface is down.
 void AddRouteTitle(KernelText* text);

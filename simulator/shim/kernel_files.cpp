@@ -13,24 +13,31 @@
 
 #include "device_interfaces.h"
 #include "hardware_file.h"
+#include "hardware_text.h"
 #include "kernel_text.h"
+#include "radio_answers.h"
 
 namespace {
 
+constexpr char kRadioFile[] = "/hw/ra0/link.ini";
+constexpr char kCellsFile[] = "/hw/ra0/cells.ini";
+
+enum class Kind : uint8_t { kRoutes, kOperstate, kCarrier, kWirelessLink };
+
 struct KernelFile {
   std::string_view path;
+  Kind kind;
   const char* interface;  // null: all of them
-  void (*add)(const InterfaceState& state, KernelText* text);
 };
 
 constexpr KernelFile kFiles[] = {
-    {"/proc/net/route", nullptr, nullptr},
-    {"/sys/class/net/eth0/carrier", "eth0", AddCarrier},
-    {"/sys/class/net/eth0/operstate", "eth0", AddOperstate},
-    {"/sys/class/net/ra0/carrier", "ra0", AddCarrier},
-    {"/sys/class/net/ra0/operstate", "ra0", AddOperstate},
-    {"/sys/class/net/ra0/wireless/link", "ra0", AddWirelessLink},
-    {"/sys/devices/virtual/net/ra0/wireless/link", "ra0", AddWirelessLink},
+    {"/proc/net/route", Kind::kRoutes, nullptr},
+    {"/sys/class/net/eth0/carrier", Kind::kCarrier, "eth0"},
+    {"/sys/class/net/eth0/operstate", Kind::kOperstate, "eth0"},
+    {"/sys/class/net/ra0/carrier", Kind::kCarrier, "ra0"},
+    {"/sys/class/net/ra0/operstate", Kind::kOperstate, "ra0"},
+    {"/sys/class/net/ra0/wireless/link", Kind::kWirelessLink, "ra0"},
+    {"/sys/devices/virtual/net/ra0/wireless/link", Kind::kWirelessLink, "ra0"},
 };
 
 // All routes that a device can have.
@@ -42,7 +49,8 @@ bool Tells(const KernelFile& file, const DeviceInterface& interface) {
 }
 
 int64_t SourceChangedAt(const KernelFile& file) {
-  int64_t latest = kNoFile;
+  // How well the link is may stand with its cell.
+  int64_t latest = file.kind == Kind::kWirelessLink ? HardwareChangedAt(kCellsFile) : kNoFile;
   for (const DeviceInterface& interface : DeviceInterfaces()) {
     if (!Tells(file, interface)) continue;
     const int64_t at = HardwareChangedAt(interface.file);
@@ -51,16 +59,26 @@ int64_t SourceChangedAt(const KernelFile& file) {
   return latest;
 }
 
+void TellOf(Kind kind, const char* name, const InterfaceState& state, KernelText* text) {
+  switch (kind) {
+    case Kind::kRoutes:
+      return AddRoutes(name, state, text);
+    case Kind::kOperstate:
+      return AddOperstate(state, text);
+    case Kind::kCarrier:
+      return AddCarrier(state, text);
+    case Kind::kWirelessLink:
+      return AddWirelessLink(state, LinkQuality(ParseRadioSettings(HardwareText(kRadioFile).Text())).qual,
+                             text);
+  }
+}
+
 void Tell(const KernelFile& file, KernelText* text) {
-  if (file.interface == nullptr) AddRouteTitle(text);
+  if (file.kind == Kind::kRoutes) AddRouteTitle(text);
   for (const DeviceInterface& interface : DeviceInterfaces()) {
     InterfaceState state;
-    if (!Tells(file, interface) || !ReadInterface(interface, &state)) continue;
-    if (file.add != nullptr) {
-      file.add(state, text);
-    } else {
-      AddRoutes(interface.name, state, text);
-    }
+    if (Tells(file, interface) && ReadInterface(interface, &state))
+      TellOf(file.kind, interface.name, state, text);
   }
 }
 

@@ -95,24 +95,6 @@ int AnswerResults(const RadioSettings& settings, iw_point& place) {
   return 0;
 }
 
-// What the link's own settings leave open comes from the first cell with its name.
-iw_quality LinkQuality(const RadioSettings& settings) {
-  iw_quality link{};
-  if (!settings.associated) return link;
-  const HardwareText cells(kCellsFile);
-  Cell cell;
-  for (Cells rest(cells.Text()); rest.Next(&cell);) {
-    if (cell.name.Text() != settings.essid.Text()) continue;
-    link.level = cell.level;
-    link.qual = cell.quality;
-    break;
-  }
-  link.level = settings.level.value_or(link.level);
-  link.qual = settings.quality.value_or(link.qual);
-  link.updated = IW_QUAL_QUAL_UPDATED | IW_QUAL_LEVEL_UPDATED | IW_QUAL_NOISE_INVALID;
-  return link;
-}
-
 int AnswerStatistics(const RadioSettings& settings, iw_point& place) {
   iw_statistics statistics{};
   statistics.qual = LinkQuality(settings);
@@ -129,6 +111,23 @@ int AnswerStatus(const RadioSettings& settings, iw_point& place) {
 }
 
 }  // namespace
+
+iw_quality LinkQuality(const RadioSettings& settings) {
+  iw_quality link{};
+  if (!settings.associated) return link;
+  const HardwareText cells(kCellsFile);
+  Cell cell;
+  for (Cells rest(cells.Text()); rest.Next(&cell);) {
+    if (cell.name.Text() != settings.essid.Text()) continue;
+    link.level = cell.level;
+    link.qual = cell.quality;
+    break;
+  }
+  link.level = settings.level.value_or(link.level);
+  link.qual = settings.quality.value_or(link.qual);
+  link.updated = IW_QUAL_QUAL_UPDATED | IW_QUAL_LEVEL_UPDATED | IW_QUAL_NOISE_INVALID;
+  return link;
+}
 
 int AnswerRadio(RadioRequest which, const RadioSettings& settings, iwreq& request) {
   switch (which) {

@@ -51,6 +51,14 @@ TEST_F(InterfaceFiles, TheRadiosLinkFilesFollowItsQuality) {
   EXPECT_EQ(ReadFile("/sys/class/net/ra0/operstate"), "up\n");
 }
 
+TEST_F(InterfaceFiles, TheRadiosLinkFilesFollowTheCell) {
+  Edit("/hw/ra0/cells.ini", "[Werkstatt]\nquality = 38\n[Lindenhof]\nquality = 92\n");
+  Edit("/hw/ra0/link.ini", "[link]\nup = yes\nassociated = yes\nessid = Lindenhof\nquality =\n");
+  EXPECT_EQ(ReadFile("/sys/class/net/ra0/wireless/link"), "92\n");
+  Edit("/hw/ra0/cells.ini", "[Lindenhof]\nquality = 17\n");
+  EXPECT_EQ(ReadFile("/sys/class/net/ra0/wireless/link"), "17\n");
+}
+
 TEST_F(InterfaceFiles, TheRoutesFollowBothInterfaces) {
   Edit("/hw/eth0.ini", "[link]\nup = yes\n[address]\nip = 192.168.1.2\ngateway = 192.168.1.1\n");
   Edit("/hw/ra0/link.ini", "[link]\nup = yes\n[address]\nip = 192.168.2.2\ngateway = 192.168.2.1\n");

@@ -33,10 +33,14 @@ TEST(KernelText, ALinkIsUpWhenTheInterfaceIsAndTheCableIsIn) {
   EXPECT_EQ(Of(AddCarrier, "[link]\nassociated = yes"), "0\n");
 }
 
-TEST(KernelText, TheRadiosLinkIsItsQualityWhileItIsAssociated) {
-  EXPECT_EQ(Of(AddWirelessLink, "[link]\nup = yes\nassociated = yes\nquality = 92"), "92\n");
-  EXPECT_EQ(Of(AddWirelessLink, "[link]\nup = yes\nassociated = no\nquality = 92"), "0\n");
-  EXPECT_EQ(Of(AddWirelessLink, "[link]\nup = yes\nassociated = yes"), "0\n");
+TEST(KernelText, TheRadiosLinkIsItsQualityWhileItIsUp) {
+  const auto link = [](const std::string& settings) {
+    return Of([](const InterfaceState& state, KernelText* text) { AddWirelessLink(state, 92, text); },
+              settings);
+  };
+  EXPECT_EQ(link("[link]\nup = yes\nassociated = yes"), "92\n");
+  EXPECT_EQ(link("[link]\nup = yes\nassociated = no"), "0\n");
+  EXPECT_EQ(link("[link]\nassociated = yes"), "0\n");
 }
 
 TEST(KernelText, RoutesAreTheDefaultAndTheNetworks) {

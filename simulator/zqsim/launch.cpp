@@ -116,15 +116,16 @@ std::string Preloads(const std::string& before, const fs::path& shim) {
   return libraries;
 }
 
-int Launch(const std::vector<std::string>& command, const fs::path& root, const Places& places) {
+int Enter(const std::vector<std::string>& command, const fs::path& root, const Places& places,
+          fs::path* program) {
   if (access(places.shim.c_str(), R_OK) != 0) return Complain(places.shim, strerror(errno), 1);
   if (places.shim.native().find_first_of(": ") != std::string::npos) {
     return Complain(places.shim, "cannot be preloaded from a folder with a blank or colon in its path", 1);
   }
-  const fs::path program = FindProgram(command.front(), root);
-  if (program.empty()) return Complain(command.front(), "not found", 127);
+  *program = FindProgram(command.front(), root);
+  if (program->empty()) return Complain(command.front(), "not found", 127);
 
-  const std::string hostPaths = HostPaths(Environment(kHostPaths), places, program, command, root);
+  const std::string hostPaths = HostPaths(Environment(kHostPaths), places, *program, command, root);
   setenv(kHostPaths, hostPaths.c_str(), 1);
   setenv(kPreload, Preloads(Environment(kPreload), places.shim).c_str(), 1);
   setenv("ZQ_DEVICE", root.c_str(), 1);
@@ -136,7 +137,10 @@ int Launch(const std::vector<std::string>& command, const fs::path& root, const 
   setenv("ALSA_CONFIG_PATH", places.sound.c_str(), 1);
   setenv("ZQ_SIM_MIXER", places.mixer.c_str(), 1);
   if (chdir(root.c_str()) != 0) return Complain(root, strerror(errno), 1);
+  return 0;
+}
 
+int Become(const fs::path& program, const std::vector<std::string>& command) {
   std::vector<char*> arguments;
   arguments.reserve(command.size() + 1);
   for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));

@@ -22,10 +22,14 @@ std::string HostPaths(const std::string& before, const Places& places, const std
 // there.
 std::string Preloads(const std::string& before, const std::filesystem::path& shim);
 
-// Replaces this process by the command, in the device's folder. Returns only when it cannot, with the exit
-// status: 127 when there is no such program, 126 when it does not run, 1 when the device cannot be entered;
-// one line on stderr says why.
-int Launch(const std::vector<std::string>& command, const std::filesystem::path& root, const Places& places);
+// Puts this process on the device: environment and working folder. `program` becomes what Become needs. 0, or the exit
+// status of a failure: 127 when there is no such program, 1 when the device cannot be entered; one line on stderr says
+// why.
+int Enter(const std::vector<std::string>& command, const std::filesystem::path& root, const Places& places,
+          std::filesystem::path* program);
+
+// Replaces this process by the program. Returns only when it cannot, with the exit status 126 and one line on stderr.
+int Become(const std::filesystem::path& program, const std::vector<std::string>& command);
 
 // Starts this program anew without the shim when it was itself started on a device: the folders that it is
 // told are the machine's. Returns when that is not so.

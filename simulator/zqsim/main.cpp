@@ -10,6 +10,7 @@
 #include "launch.h"
 #include "places.h"
 #include "profile.h"
+#include "supervise.h"
 
 namespace fs = std::filesystem;
 
@@ -17,7 +18,7 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: zqsim create DIR [--profile NAME]\n"
-    "       zqsim run DIR [--profile NAME] -- COMMAND [ARGUMENT]...\n"
+    "       zqsim run DIR [--profile NAME] [--system | --supervised] -- COMMAND [ARGUMENT]...\n"
     "       zqsim profiles\n"
     "\n"
     "create    makes DIR a simulated device from a ready profile (default: home-phone).\n"
@@ -26,12 +27,18 @@ constexpr const char* kUsage =
     "          /etc, /proc, /sys, /tmp, /updates, /media, /brimvale, /dev/i2c-0, /var/lib/zq,\n"
     "          /var/lock and /run/lock are then the device's; the working folder is DIR.\n"
     "          Paths in $ZQ_SIM_HOST_PATHS (colon-separated) stay the machine's.\n"
+    "          --system      runs the device's system scripts beside it, for as long as it runs:\n"
+    "                        they do what the files in /tmp ask for; after a reboot COMMAND runs again.\n"
+    "          --supervised  the same, and COMMAND runs again when it ends with status 0, too.\n"
+    "                        Either ends after ten new starts.\n"
     "profiles  lists the ready profiles.\n";
 constexpr const char* kDefaultProfile = "home-phone";
 
 struct Request {
   std::string folder;
   std::string profile = kDefaultProfile;
+  bool system = false;
+  bool supervised = false;
   std::vector<std::string> command;
 };
 
@@ -57,6 +64,10 @@ std::string ReadRequest(const std::vector<std::string>& words, Request& request)
       request.profile = words[i];
     } else if (words[i].starts_with("--profile=")) {
       request.profile = words[i].substr(strlen("--profile="));
+    } else if (words[i] == "--system") {
+      request.system = true;
+    } else if (words[i] == "--supervised") {
+      request.supervised = true;
     } else if (words[i].starts_with('-') || !request.folder.empty()) {
       return "what is \"" + words[i] + "\"?";
     } else {
@@ -86,6 +97,14 @@ int ListProfiles(const Places& places) {
   return 0;
 }
 
+int RunCommand(const Request& request, const fs::path& root, const Places& places) {
+  fs::path program;
+  const int status = Enter(request.command, root, places, &program);
+  if (status != 0) return status;
+  if (!request.system && !request.supervised) return Become(program, request.command);
+  return Supervise({program, request.command, root, places, request.supervised});
+}
+
 int Run(const std::vector<std::string>& words) {
   if (words.empty()) return BadUsage("what to do?");
   const std::string& verb = words.front();
@@ -100,13 +119,14 @@ int Run(const std::vector<std::string>& words) {
   Request request;
   const std::string wrong = ReadRequest({words.begin() + 1, words.end()}, request);
   if (!wrong.empty()) return BadUsage(wrong);
+  if (verb == "create" && (request.system || request.supervised)) return BadUsage("create runs nothing");
   if ((verb == "run") == request.command.empty()) {
     return BadUsage(verb == "run" ? "COMMAND is missing after --" : "create takes no command");
   }
   fs::path root;
   std::string error;
   if (!Prepare(request, places, root, error)) return Complain(error);
-  return verb == "run" ? Launch(request.command, root, places) : 0;
+  return verb == "run" ? RunCommand(request, root, places) : 0;
 }
 
 }  // namespace

@@ -13,6 +13,9 @@ Places FindPlaces() {
   if (!fs::exists(places.shim, error)) places.shim = places.prefix / ZQSIM_LIBRARY_FOLDER / "libzqsim.so";
   places.mixer = places.shim.parent_path() / "libasound_module_ctl_zqsim.so";
   places.sound = places.prefix / "share" / "zqutil" / "asound.conf";
+  places.system = places.prefix / "libexec" / "zqutil";
+  if (!fs::exists(places.system, error)) places.system = places.prefix / ZQSIM_SYSTEM_FOLDER;
+  places.board = places.prefix / "share" / "zqutil" / "simulated-board.sh";
   places.profiles = places.prefix / "share" / "zqutil" / "profiles";
   return places;
 }

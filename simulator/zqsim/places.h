@@ -9,6 +9,8 @@ struct Places {
   std::filesystem::path shim;      // the preloaded library
   std::filesystem::path mixer;     // the sound library's plugin, beside it
   std::filesystem::path sound;     // the sound library's configuration, which names the plugin
+  std::filesystem::path system;    // the folder of the device's system scripts
+  std::filesystem::path board;     // how these act on a simulated device
   std::filesystem::path profiles;  // a folder for each ready profile
 };
 

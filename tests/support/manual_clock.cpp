@@ -45,6 +45,12 @@ void ManualClock::AwaitSleepers(size_t count) {
   sleeping_.wait(lock, [&] { return sleepersUntil_.size() >= count; });
 }
 
+std::chrono::nanoseconds ManualClock::ToNextWake() {
+  const std::lock_guard lock(mutex_);
+  const auto first = std::min_element(sleepersUntil_.begin(), sleepersUntil_.end());
+  return std::chrono::nanoseconds(first != sleepersUntil_.end() ? *first - nowNs_ : 0);
+}
+
 std::chrono::nanoseconds ManualClock::Elapsed() {
   return std::chrono::nanoseconds(MonotonicNs() - kStartNs);
 }

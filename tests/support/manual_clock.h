@@ -30,6 +30,8 @@ class ManualClock : public zq_Clock {
   void SetWall(timespec wall);
   // Returns when at least `count` threads are in Sleep (their time has not come yet).
   void AwaitSleepers(size_t count);
+  // Until the first of the sleepers wakes; 0 when nobody sleeps.
+  std::chrono::nanoseconds ToNextWake();
   // Monotonic time since the construction.
   std::chrono::nanoseconds Elapsed();
 

@@ -13,12 +13,12 @@ struct Row {
   int32_t state;
   uint32_t mask;
   uint32_t facts;
+  int32_t nextState;
   const char* trace;
   const char* listenerTrace;
   const char* method;
   Call call;
   Plan::Next next;
-  int32_t nextState;
 };
 
 // In these texts each %d is the next of: the number of interfaces, the waits so far.
@@ -38,28 +38,29 @@ constexpr char kOnBeginDhcp[] = "onBeginDHCP";
 constexpr char kOnDoneDhcp[] = "onDoneDHCP";
 constexpr char kOnBeginCheck[] = "onBeginConnectivityCheck";
 
-// clang-format off
 constexpr Row kRows[] = {
-    {0, kWireless, 0, nullptr, nullptr, nullptr, kNobody, Plan::kAgain, 1},
-    {0, kAssociated, kAssociated, kAssociatedText, "ZQUtil sending onAssociation\n", kOnAssociation, kListener,
-     Plan::kSecond, 1},
-    {0, kScriptRuns, 0, kFailedText, "ZQUtil sending onFailedAssociation\n", kOnFailed, kListener, Plan::kStop, 0},
-    {0, 0, 0, nullptr, nullptr, nullptr, kNobody, Plan::kSecond, 0},
+    {0, kWireless, 0, 1, nullptr, nullptr, nullptr, kNobody, Plan::kAgain},
+    {0, kAssociated, kAssociated, 1, kAssociatedText, "ZQUtil sending onAssociation\n", kOnAssociation,
+     kListener, Plan::kSecond},
+    {0, kScriptRuns, 0, 0, kFailedText, "ZQUtil sending onFailedAssociation\n", kOnFailed, kListener,
+     Plan::kStop},
+    {0, 0, 0, 0, nullptr, nullptr, nullptr, kNobody, Plan::kSecond},
 
-    {1, kDhcp, kDhcp, kBeginDhcpText, "ZQUtil sending onBeginDHCP\n", kOnBeginDhcp, kListener, Plan::kSecond, 2},
-    {1, kScriptRuns, kScriptRuns, nullptr, nullptr, nullptr, kNobody, Plan::kSecond, 1},
-    {1, 0, 0, nullptr, "ZQUtil sending onBeginConnectivityCheck\n", kOnBeginCheck, kListener, Plan::kCheck, 3},
+    {1, kDhcp, kDhcp, 2, kBeginDhcpText, "ZQUtil sending onBeginDHCP\n", kOnBeginDhcp, kListener,
+     Plan::kSecond},
+    {1, kScriptRuns, kScriptRuns, 1, nullptr, nullptr, nullptr, kNobody, Plan::kSecond},
+    {1, 0, 0, 3, nullptr, "ZQUtil sending onBeginConnectivityCheck\n", kOnBeginCheck, kListener,
+     Plan::kCheck},
 
-    {2, kScriptRuns | kNewInterfaces | kAddress, kScriptRuns | kNewInterfaces | kAddress, nullptr, kDoneDhcpText,
-     kOnDoneDhcp, kListener, Plan::kSecond, 2},
-    {2, kScriptRuns, kScriptRuns, nullptr, nullptr, nullptr, kNobody, Plan::kSecond, 2},
-    {2, kAddress, 0, kNoAddressText, nullptr, kOnFailed, kAnybody, Plan::kStop, 2},
-    {2, kListens, 0, nullptr, nullptr, nullptr, kNobody, Plan::kCheck, 3},
-    {2, kInterfaces, kInterfaces, kScriptCheckText, nullptr, kOnBeginCheck, kListener, Plan::kCheck, 3},
-    {2, kWaitsLeft, kWaitsLeft, kWaitText, nullptr, nullptr, kNobody, Plan::kWaitSecond, 2},
-    {2, 0, 0, kNoInterfacesText, nullptr, kOnFailed, kAnybody, Plan::kStop, 2},
+    {2, kScriptRuns | kNewInterfaces | kAddress, kScriptRuns | kNewInterfaces | kAddress, 2, nullptr,
+     kDoneDhcpText, kOnDoneDhcp, kListener, Plan::kSecond},
+    {2, kScriptRuns, kScriptRuns, 2, nullptr, nullptr, nullptr, kNobody, Plan::kSecond},
+    {2, kAddress, 0, 2, kNoAddressText, nullptr, kOnFailed, kAnybody, Plan::kStop},
+    {2, kListens, 0, 3, nullptr, nullptr, nullptr, kNobody, Plan::kCheck},
+    {2, kInterfaces, kInterfaces, 3, kScriptCheckText, nullptr, kOnBeginCheck, kListener, Plan::kCheck},
+    {2, kWaitsLeft, kWaitsLeft, 2, kWaitText, nullptr, nullptr, kNobody, Plan::kWaitSecond},
+    {2, 0, 0, 2, kNoInterfacesText, nullptr, kOnFailed, kAnybody, Plan::kStop},
 };
-// clang-format on
 
 std::string WithNumbers(const char* text, std::initializer_list<int32_t> numbers) {
   std::string filled = text != nullptr ? text : "";

@@ -15,8 +15,8 @@ KeyStoreValue KeyStore::Read(const char* key) const {
   return value;
 }
 
-void KeyStore::Write(const char* key, const char* value) {
-  my_nvram_write_key(handle_, nullptr, key, value);
+bool KeyStore::Write(const char* key, const char* value) {
+  return my_nvram_write_key(handle_, nullptr, key, value) == 0;
 }
 
 void KeyStore::Erase(const char* key) {

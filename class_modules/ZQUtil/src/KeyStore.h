@@ -19,8 +19,8 @@ class KeyStore {
   // False when the store could not be opened: nothing else may be asked of it then.
   bool Ok() const { return handle_ != -1; }
   KeyStoreValue Read(const char* key) const;
-  // A failure is the store's to trace; the old value stays.
-  void Write(const char* key, const char* value);
+  // False on a failure, which is the store's to trace; the old value stays then.
+  bool Write(const char* key, const char* value);
   void Erase(const char* key);
   // Null erases.
   void WriteOrErase(const char* key, const char* value);

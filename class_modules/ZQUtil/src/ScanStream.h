@@ -19,7 +19,6 @@ class ScanStream {
 
   // The next event, good until the call after; null at the end, or at what is no event.
   iw_event* Next();
-  stream_descr* Descriptor() { return &stream_; }
 
  private:
   // Whether what the event carries lies in it and in the results.

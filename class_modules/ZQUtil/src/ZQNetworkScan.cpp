@@ -8,8 +8,8 @@
 #include <memory>
 
 #include "ScanEvent.h"
+#include "ScanResults.h"
 #include "ScanRetry.h"
-#include "ScanSettling.h"
 #include "ScanStream.h"
 #include "WirelessRequest.h"
 #include "WpaElement.h"
@@ -120,18 +120,6 @@ int32_t FetchResults(const NetworkSocket& socket, const char* interface, int ver
   }
 }
 
-void ReadResults(char* results, size_t length, iw_range* range, int socket, const char* essid,
-                 zq_List* list) {
-  ScanSettling settling(list, essid);
-  ScanStream stream(results, length, range->we_version_compiled);
-  while (iw_event* const event = stream.Next()) {
-    if (!settling.Before(*event)) return;
-    ZQNetwork::get_scan_results(stream.Descriptor(), event, range, 1, settling.Working(), socket);
-    settling.After(*event);
-  }
-  settling.End();
-}
-
 }  // namespace
 
 zq_List* ZQNetwork::getESSIDList(bool active, bool cachedOnly, const char* essid, bool /*ignored*/) {
@@ -151,7 +139,7 @@ zq_List* ZQNetwork::getESSIDList(bool active, bool cachedOnly, const char* essid
   const int32_t length = FetchResults(socket, interface, range.we_version_compiled, &buffer);
   if (length < 0) ZQUTIL_TRACE("ZQUtil GetESSIDList Error\n");
   if (length > 0) {
-    ReadResults(buffer.get(), static_cast<size_t>(length), &range, socket.Descriptor(), essid, essidList);
+    ReadScanResults(buffer.get(), static_cast<size_t>(length), range.we_version_compiled, essid, essidList);
   }
   return essidList;
 }

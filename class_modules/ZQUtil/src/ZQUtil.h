@@ -61,13 +61,11 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   static void AsyncConfigWrite(int32_t kind);
 
   // Starts a check for updates, which is also the Internet connectivity test: it ends in a message "update
-  // server reached" or "not reached" (ZQSoftwareUpdate.cpp). Any thread.
+  // server reached" or "not reached" (ZQUpdateCheck.cpp). Any thread.
   void CheckForAvailableUpdates();
-  // Forgets the updates that were offered (ZQSoftwareUpdate.cpp).
-  void ReleaseSoftwareUpdateList();
   // Decrypts the package that `in` reads into `out`; both are plain descriptors and stay open (UpdateDecrypt.cpp).
-  // Library thread of the download.
-  void update_decrypt(int in, int out);
+  // Any thread.
+  static void update_decrypt(int in, int out);
   // A TCP connection to the log server, or to the proxy that "http_proxy" names; its events come to this queue. 0
   // when there is none (ZQApplicationLog.cpp). Any thread.
   uint32_t OpenSocketToProxyOrAddress(const char* host, int32_t port);
@@ -141,7 +139,7 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   int32_t SetMilitaryTimeEnabled(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   // Application log (ZQApplicationLog.cpp)
   int32_t AppLog(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
-  // Software update (ZQSoftwareUpdate.cpp, ZQUpdateInstall.cpp)
+  // Software update (ZQSoftwareUpdate.cpp, RebootDevice.cpp)
   int32_t GetUpdateList(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   int32_t BeginUpdate(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
   int32_t RegisterUpdateListener(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);

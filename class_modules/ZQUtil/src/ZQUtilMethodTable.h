@@ -74,6 +74,10 @@
   METHOD("isTablet", 0, IsTablet)                                         \
   METHOD("batteryPct", 0, BatteryPct)                                     \
   METHOD("chargeStatus", 0, ChargeStatus)                                 \
+  METHOD("GetUpdateList", 0, GetUpdateList)                               \
+  METHOD("beginUpdate", 1, BeginUpdate)                                   \
+  METHOD("registerUpdateListener", 1, RegisterUpdateListener)             \
+  METHOD("factoryReset", 0, FactoryReset)                                 \
   METHOD("getIniSetting", 2, GetIniSetting)                               \
   METHOD("setIniSetting", 3, SetIniSetting)                               \
   METHOD("deleteIniFile", 1, DeleteIniFile)                               \

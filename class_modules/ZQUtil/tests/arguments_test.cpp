@@ -24,7 +24,7 @@ bool TakesListener(const std::string& method) {
 // Methods whose result is not a text.
 bool AnswersNoText(const std::string& method) {
   for (const char* other : {"batteryPct", "getTZList", "getESSIDList", "getCachedESSIDList", "getESSID",
-                            "getWirelessSecurity", "getSignalStrength"}) {
+                            "getWirelessSecurity", "getSignalStrength", "GetUpdateList"}) {
     if (method == other) return true;
   }
   return false;

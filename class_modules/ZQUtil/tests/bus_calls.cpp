@@ -21,6 +21,7 @@ std::mutex g_mutex;
 std::string g_calls;
 constexpr int kDescriptors = 1024;
 std::atomic<const char*> g_open[kDescriptors];  // path by descriptor
+std::atomic<long> g_reads = 0;
 void (*g_atSelection)() = nullptr;
 std::atomic<bool> g_refuseLevels = false;
 
@@ -56,6 +57,10 @@ BusCalls::~BusCalls() {
 std::string BusCalls::Take() {
   const std::lock_guard lock(g_mutex);
   return std::exchange(g_calls, "");
+}
+
+long BusReads() {
+  return g_reads;
 }
 
 void AtNextSelection(void (*action)()) {
@@ -102,8 +107,10 @@ RECORDED int ioctl(int descriptor, unsigned long request, ...) noexcept {
     Note("select " + std::to_string(reinterpret_cast<unsigned long>(argument)));
     if (const auto action = std::exchange(g_atSelection, nullptr)) action();
   }
-  if (request == I2C_SMBUS && g_recording) {
-    Note(TransferText(*static_cast<const i2c_smbus_ioctl_data*>(argument)));
+  if (request == I2C_SMBUS) {
+    const auto& transfer = *static_cast<const i2c_smbus_ioctl_data*>(argument);
+    if (transfer.read_write == I2C_SMBUS_READ) ++g_reads;
+    if (g_recording) Note(TransferText(transfer));
   }
   NEXT(ioctl, int (*)(int, unsigned long, ...));
   return next(descriptor, request, argument);

@@ -21,6 +21,9 @@ class BusCalls {
   std::string Take();
 };
 
+// How many block reads there were.
+long BusReads();
+
 // Called at the next selection of a chip, on the thread that makes it, before it is passed on.
 void AtNextSelection(void (*action)());
 

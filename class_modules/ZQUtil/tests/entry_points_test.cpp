@@ -25,7 +25,8 @@ constexpr char kAllMethods[] =
     "screenStandby/0 getTZList/0 getNTPEnabled/0 setNTPEnabled/1 getPrimaryNTPServer/0 "
     "setPrimaryNTPServer/1 getSecondaryNTPServer/0 setSecondaryNTPServer/1 setTime/1 setTZ/1 getTZ/0 "
     "getMilitaryTimeEnabled/0 setMilitaryTimeEnabled/1 appLog/3 isTablet/0 batteryPct/0 chargeStatus/0 "
-    "getIniSetting/2 setIniSetting/3 deleteIniFile/1 writeFile/2 deleteFile/1 utf8Encode/1 ";
+    "GetUpdateList/0 beginUpdate/1 registerUpdateListener/1 factoryReset/0 getIniSetting/2 setIniSetting/3 "
+    "deleteIniFile/1 writeFile/2 deleteFile/1 utf8Encode/1 ";
 
 // Each script name with the symbol of the function that answers it.
 constexpr std::pair<const char*, const char*> kAllWrappers[] = {
@@ -91,6 +92,10 @@ constexpr std::pair<const char*, const char*> kAllWrappers[] = {
     {"isTablet", "ZQUtil_IsTablet"},
     {"batteryPct", "ZQUtil_BatteryPct"},
     {"chargeStatus", "ZQUtil_ChargeStatus"},
+    {"GetUpdateList", "ZQUtil_GetUpdateList"},
+    {"beginUpdate", "ZQUtil_BeginUpdate"},
+    {"registerUpdateListener", "ZQUtil_RegisterUpdateListener"},
+    {"factoryReset", "ZQUtil_FactoryReset"},
     {"getIniSetting", "ZQUtil_GetIniSetting"},
     {"setIniSetting", "ZQUtil_SetIniSetting"},
     {"deleteIniFile", "ZQUtil_DeleteIniFile"},

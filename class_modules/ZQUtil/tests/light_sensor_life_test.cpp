@@ -1,5 +1,6 @@
 // The light-sensor thread's start and end with the screens that ask for it.
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <algorithm>
 #include <chrono>
@@ -10,6 +11,7 @@
 #include "ZQScreen.h"
 #include "light_sensor.h"
 #include "module_fixture.h"
+#include "no_more_threads.h"
 #include "zq_thread.h"
 
 namespace fs = std::filesystem;
@@ -202,6 +204,22 @@ TEST_F(LightSensorLifeTest, AScriptThatChangesTheModeAThousandTimesLeavesTheLast
   EXPECT_EQ(StoredSetting("autolight"), "false");
   clock.AwaitSleepers(1);
   EXPECT_EQ(Count("Light Sensor Thread beginning"), 1);
+}
+
+TEST_F(LightSensorLifeTest, AScreenLivesOnWhereNoThreadCanBeStarted) {
+  char before[16] = {};
+  pthread_getname_np(pthread_self(), before, sizeof before);
+  {
+    const NoMoreThreads tight;
+    const ZQScreen screen(true, 60, 17);
+    EXPECT_EQ(ZQScreenInstanceCount, 1);
+    EXPECT_EQ(screen.getBrightness(), 60);
+  }
+  EXPECT_EQ(ZQScreenInstanceCount, 0);
+  char after[16] = {};
+  pthread_getname_np(pthread_self(), after, sizeof after);
+  EXPECT_STREQ(after, before) << "this thread is not the sensor's";
+  EXPECT_EQ(Count("Light Sensor Thread beginning"), 0);
 }
 
 // The kernel keeps fifteen characters.

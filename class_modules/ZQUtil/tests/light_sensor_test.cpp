@@ -58,11 +58,12 @@ class LightSensorTest : public testing::Test {
     clock.AwaitSleepers(1);
     return ReadFile(kBacklight);
   }
-  // Lets that many steps of a ramp go by; the levels that they found, comma-separated.
+  // Lets that many steps of a ramp go by, 20 ms each; the levels that they found, comma-separated.
   std::string Ramp(int steps) {
     std::string levels;
     for (int i = 0; i < steps; ++i) {
       levels += std::string(AtNextSleep().c_str()) + ",";
+      EXPECT_EQ(clock.ToNextWake(), milliseconds(20));
       clock.Advance(milliseconds(20));
     }
     return levels;
@@ -96,9 +97,8 @@ TEST_F(LightSensorTest, WithDimmingOffItOnlySleepsInSecondsAndTouchesNoDevice) {
   Begin();
   for (int second = 0; second < 50; ++second) {
     EXPECT_EQ(AtNextSleep(), "0");
-    clock.Advance(milliseconds(999));
-    clock.AwaitSleepers(1);  // it sleeps the whole second
-    clock.Advance(milliseconds(1));
+    EXPECT_EQ(clock.ToNextWake(), milliseconds(1000));
+    clock.Advance(milliseconds(1000));
   }
   clock.AwaitSleepers(1);
   EXPECT_EQ(clock.Elapsed(), std::chrono::seconds(50));
@@ -197,10 +197,12 @@ TEST_F(LightSensorTest, FailingTransfersLeaveTheLightAsItWas) {
   AtNextSleep();
   SetSensor("transfers = fail");
   SetLight(500);
+  const long before = BusReads();
   clock.Advance(milliseconds(20));
-  while (olddat != 50) std::this_thread::yield();
+  while (BusReads() == before) std::this_thread::yield();
   exiting = true;
   EXPECT_TRUE(Ended());
+  EXPECT_EQ(BusReads() - before, 1000000) << "the answer before does not pass for one that failed";
   EXPECT_EQ(olddat, 50U);
 }
 
@@ -270,6 +272,7 @@ TEST_F(LightSensorTest, ADescriptor0IsNoDevice) {
   const pid_t child = InChild([this] {
     close(0);
     if (threadAutoScreenDim(nullptr) != -1) return 1;
+    if (fcntl(0, F_GETFD) != -1) return 3;  // it is closed all the same
     return Life() == "Light Sensor Thread beginning\nUnable to open /dev/i2c-0\n" ? 0 : 2;
   });
   EXPECT_EQ(AwaitChild(child), 0);

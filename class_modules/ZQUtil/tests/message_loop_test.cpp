@@ -66,7 +66,7 @@ TEST_F(MessageLoopTest, AQueueStartedMessageForgetsTheDriftReading) {
 }
 
 TEST_F(MessageLoopTest, TheUpdateTimerArmsItselfAgainWithTheStoredPeriodAndChecks) {
-  WriteFile("zqutil.ini", "[config]\nupdateTime=60000\n");
+  WriteFile("zqutil.ini", "[config]\nupdateTime=60000\ndeviceid=34\n");
   Start();
   Listen();
   Post(ZQ_MSG_TIMER, 0, kTimerSoftwareUpdate);

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "ZQNetworkRestart.h"
+#include "ZQSoftwareUpdate.h"
 #include "ZQUtilEntryPoints.h"
 #include "ZQUtilPersistence.h"
 #include "light_sensor.h"
@@ -25,6 +26,8 @@ void ResetDevice() {
   for (const auto& entry : fs::directory_iterator(".")) {
     if (entry.path().extension() == ".ini") fs::remove(entry.path());
   }
+  // Nobody listens there: a check for updates ends at once.
+  WriteFile("zqapplog.ini", "[config]\nhost=127.0.0.1\nsslport=1\n");
   fs::remove_all("cache");
   fs::create_directory("cache");
   for (const char* copy : {"/var/lib/zq/nvram0", "/var/lib/zq/nvram1"}) fs::remove(copy);
@@ -77,6 +80,7 @@ ModuleTest::~ModuleTest() {
   while (!live_.empty()) Drop(*live_.back());
   Unload();
   EndLightSensor();
+  while (!zq_ThreadAwaitEnd(threadCheckForAvailableUpdates, 1)) clock.Advance(std::chrono::seconds(1));
   EndRestarts();
 }
 
@@ -118,6 +122,9 @@ void ModuleTest::Unload() {
 }
 
 void ModuleTest::Settle() {
+  if (ZQUtil::m_pInstance != nullptr) AwaitIdle(ZQUtil::m_pInstance->Handle());
+  // A check posts its result.
+  ASSERT_TRUE(zq_ThreadAwaitEnd(threadCheckForAvailableUpdates, 60000));
   if (ZQUtil::m_pInstance != nullptr) AwaitIdle(ZQUtil::m_pInstance->Handle());
   ASSERT_TRUE(zq_ThreadAwaitEnd(threadConfigWrite, 60000));
 }

@@ -79,6 +79,8 @@ TEST_F(VolumesAndScreenTest, VolumesAndLevelsAreStoredClamped) {
                                                           {"4294967296", "100"},
                                                           {"-9223372036854775809", "0"},
                                                           {"12.9", "12"},
+                                                          {"010", "10"},
+                                                          {"0x10", "0"},
                                                           {"", "0"}}) {
       Answer(setter, {S(text)});
       Settle();

@@ -37,7 +37,7 @@ std::string EnterDevice(const Options& options) {
   const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
   const std::filesystem::path folder = std::filesystem::current_path(error);
   const std::string simulator = (self.parent_path() / "zqsim").string();
-  std::vector<std::string> words = {simulator, "run", options.device, "--", self.string()};
+  std::vector<std::string> words = {simulator, "run", options.device, "--system", "--", self.string()};
   const std::vector<std::string> arguments = ArgumentsFor(options, folder.string());
   words.insert(words.end(), arguments.begin(), arguments.end());
   KeepOnMachine(arguments);

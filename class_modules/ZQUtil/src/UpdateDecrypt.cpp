@@ -1,0 +1,163 @@
+#include "UpdateDecrypt.h"
+
+#include <fcntl.h>
+#include <openssl/crypto.h>
+#include <openssl/evp.h>
+#include <openssl/provider.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "DownloadDetails.h"
+#include "InstallRule.h"
+#include "UpdateKey.h"
+#include "ZQUtil.h"
+#include "ZQUtilTrace.h"
+
+namespace {
+
+// What is read at a time, and room for that and one block more.
+constexpr int kPieceBytes = 1024;
+constexpr int kDecryptedBytes = 1056;
+
+template <auto Free>
+struct Freeing {
+  template <typename Object>
+  void operator()(Object* object) const {
+    Free(object);
+  }
+};
+template <typename Object, auto Free>
+using Owned = std::unique_ptr<Object, Freeing<Free>>;
+
+// The ciphers in a context of their own: the host's and other modules' OpenSSL stays as it is.
+class Blowfish {
+ public:
+  Blowfish()
+      : library_(OSSL_LIB_CTX_new()),
+        base_(OSSL_PROVIDER_load(library_.get(), "default")),
+        legacy_(OSSL_PROVIDER_load(library_.get(), "legacy")),
+        cipher_(legacy_ != nullptr ? EVP_CIPHER_fetch(library_.get(), "BF-CBC", nullptr) : nullptr),
+        context_(EVP_CIPHER_CTX_new()) {}
+
+  // False when this OpenSSL has no Blowfish.
+  bool Begin() {
+    if (cipher_ == nullptr || context_ == nullptr) return false;
+    uint8_t key[kUpdateKey.size()];
+    uint8_t iv[kUpdateIv.size()];
+    for (size_t i = 0; i < sizeof key; ++i) key[i] = kUpdateKey[i];
+    for (size_t i = 0; i < sizeof iv; ++i) iv[i] = kUpdateIv[i];
+    const bool begun = EVP_DecryptInit_ex2(context_.get(), cipher_.get(), key, iv, nullptr) == 1;
+    OPENSSL_cleanse(key, sizeof key);
+    OPENSSL_cleanse(iv, sizeof iv);
+    return begun;
+  }
+  bool Update(unsigned char* out, int* outLength, const unsigned char* in, int length) {
+    return EVP_DecryptUpdate(context_.get(), out, outLength, in, length) == 1;
+  }
+  bool Final(unsigned char* out, int* outLength) {
+    return EVP_DecryptFinal_ex(context_.get(), out, outLength) == 1;
+  }
+
+ private:
+  const Owned<OSSL_LIB_CTX, OSSL_LIB_CTX_free> library_;
+  const Owned<OSSL_PROVIDER, OSSL_PROVIDER_unload> base_;
+  const Owned<OSSL_PROVIDER, OSSL_PROVIDER_unload> legacy_;
+  const Owned<EVP_CIPHER, EVP_CIPHER_free> cipher_;
+  const Owned<EVP_CIPHER_CTX, EVP_CIPHER_CTX_free> context_;
+};
+
+void Write(int out, const unsigned char* bytes, int length) {
+  while (length > 0) {
+    const ssize_t written = write(out, bytes, static_cast<size_t>(length));
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) {
+      ZQUTIL_TRACE("write error");
+      return;
+    }
+    bytes += written;
+    length -= static_cast<int>(written);
+  }
+}
+
+// The package's bytes stay as they came.
+void Reopen(DownloadDetails& details) {
+  details.stream = std::fopen(details.fileName, "abe");
+}
+
+void DecryptInto(DownloadDetails& details, int in, int out, const std::string& outName) {
+  ZQUTIL_TRACE("Both files open %d %d\n", in, out);
+  ZQUtil::update_decrypt(in, out);
+  ZQUTIL_TRACE("Decrypt Complete\n");
+  fsync(out);
+  close(out);
+  close(in);
+  ZQUTIL_TRACE("Deleting file %s\n", details.fileName);
+  unlink(details.fileName);
+  sync();
+  std::snprintf(details.fileName, sizeof details.fileName, "%s", outName.c_str());
+  Reopen(details);
+}
+
+}  // namespace
+
+void ZQUtil::update_decrypt(int in, int out) {
+  ZQUTIL_TRACE("In update_decrypt\n");
+  Blowfish cipher;
+  if (!cipher.Begin()) {
+    ZQUTIL_TRACE("ZQUtil cannot decrypt: no Blowfish in this OpenSSL, whose legacy provider it needs\n");
+    return;
+  }
+  unsigned char decrypted[kDecryptedBytes];
+  int length = 0;
+  const char* reason = nullptr;
+  for (;;) {
+    unsigned char piece[kPieceBytes] = {};
+    const ssize_t count = read(in, piece, sizeof piece);
+    if (count <= 0) {
+      reason = count == 0 ? "Normal Loop Break\n" : "read error\n";
+      break;
+    }
+    std::memset(decrypted, 0, sizeof decrypted);
+    if (!cipher.Update(decrypted, &length, piece, static_cast<int>(count))) {
+      ZQUTIL_TRACE("error in decrypt update\n");
+      return;
+    }
+    Write(out, decrypted, length);
+  }
+  ZQUTIL_TRACE("%s", reason);
+  ZQUTIL_TRACE("Calling Final Decrypt olen=%d, buff size=%d\n", length, kDecryptedBytes);
+  std::memset(decrypted, 0, sizeof decrypted);
+  if (cipher.Final(decrypted, &length)) {
+    Write(out, decrypted, length);
+    ZQUTIL_TRACE("Cleaning Up\n");
+  } else {
+    ZQUTIL_TRACE("error in decrypt final\n");
+  }
+}
+
+void DecryptPackage(DownloadDetails& details) {
+  std::fclose(details.stream);
+  details.stream = nullptr;
+  const std::string outName = DecryptedPath(details.fileName);
+  ZQUTIL_TRACE("Decrypting %s to %s\n", details.fileName, outName.c_str());
+  const int in = open(details.fileName, O_RDONLY | O_CLOEXEC);
+  int out = -1;
+  if (in == -1) {
+    ZQUTIL_TRACE("Could not open input file %s\n", details.fileName);
+    Reopen(details);
+  } else {
+    unlink(outName.c_str());
+    out = open(outName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0700);
+    if (out == -1) {
+      close(in);
+      ZQUTIL_TRACE("Could not open output file %s\n", outName.c_str());
+      Reopen(details);
+    } else {
+      DecryptInto(details, in, out, outName);
+    }
+  }
+  std::fprintf(stderr, "Handles (2) %d (%s)  %d (%s)\n", in, details.fileName, out, outName.c_str());
+}

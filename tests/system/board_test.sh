@@ -1,0 +1,72 @@
+#!/bin/sh
+# What the scripts tell a board's programs, and how they read values.  board_test.sh FOLDER-OF-SCRIPTS
+set -u
+tests=$(cd "$(dirname "$0")" && pwd)
+# shellcheck source=tests/system/expect.sh
+. "$tests/expect.sh"
+here=$1
+ZQ_BOARD=$folder/none
+# shellcheck source=scripts/system/common.sh
+. "$here/common.sh"
+
+# network NAME SECURITY KEY [INDEX]
+network() {
+  WIFI_SSID=$1 WIFI_SECURITY=$2 WIFI_KEY=$3 WIFI_INDEX=${4:-1}
+  wpa_network || echo "refused"
+}
+# config NAME-IN-HEX LINES
+config() {
+  printf 'network={\n  ssid=%s\n  scan_ssid=1\n%s\n}' "$1" "$2"
+}
+
+same open "$(config 61 '  key_mgmt=NONE')" "$(network a open '')"
+same wpa "$(config 4c69 '  key_mgmt=WPA-PSK WPA-PSK-SHA256
+  psk="quitten baum"')" "$(network Li wpa 'quitten baum')"
+same wpa3 "$(config 4c69 '  key_mgmt=SAE WPA-PSK
+  ieee80211w=1
+  psk="quittenbaum"')" "$(network Li sae quittenbaum)"
+hexkey=0123456789abcdefABCDEF01234567890123456789abcdefABCDEF0123456789
+same "a key of 64 digits" "$(config 61 "  key_mgmt=WPA-PSK WPA-PSK-SHA256
+  psk=$hexkey")" "$(network a wpa "$hexkey")"
+same "64 letters" refused "$(network a wpa "x${hexkey#?}")"
+same "WEP by digits" "$(config 61 '  key_mgmt=NONE
+  wep_key0=0123456789
+  wep_tx_keyidx=0')" "$(network a wep 0123456789)"
+same "WEP by letters, third key" "$(config 61 '  key_mgmt=NONE
+  wep_key2=6122626365
+  wep_tx_keyidx=2')" "$(network a wep 'a"bce' 3)"
+same "WEP by what is neither" refused "$(network a wep 'abcdefghi"')"
+same "WEP of another length" refused "$(network a wep '123456')"
+# shellcheck disable=SC2016
+for key in 'a"b"c"def' '$(reboot)' '`reboot`' "it's mine" 'a\nb\"cdef' '#1234567' '12345678' 'é'; do
+  wanted="$(config 61 "  key_mgmt=WPA-PSK WPA-PSK-SHA256
+  psk=\"$key\"")"
+  [ "$key" != 'é' ] || wanted=refused
+  same "the key $key" "$wanted" "$(network a wpa "$key")"
+done
+sixteen=0123456789abcdef
+for key in '' 1234567 "$sixteen$sixteen$sixteen${sixteen}0" "12345678${newline}}" "$(printf '12345678\001')" "$(printf '12345678\377')"; do
+  same "a key that cannot be one: $key" refused "$(network a wpa "$key")"
+done
+same "a name of many kinds" 'ssid=2220270a5b5c25ff' "$(network "$(printf '" \047\n[\\%%\377')" open '' | grep -o 'ssid=[0-9a-f]*' | head -n 1)"
+
+for good in 1.2.3.4 255.255.255.255 0.0.0.0; do is_ipv4 "$good" || same "$good" yes no; done
+for bad in '' . ... 1.2.3 1.2.3.4.5 1..2.3 .1.2.3 1.2.3. a.b.c.d '1.2.3.4 ' "1.2.3.4${newline}" '-1.2.3.4'; do
+  is_ipv4 "$bad" && same "$bad" no yes
+done
+for good in pool.ntp.org 192.0.2.1 2001:db8::1 my-host_2; do is_host "$good" || same "$good" yes no; done
+# shellcheck disable=SC2016
+for bad in '' -p 'a b' 'a;b' '$(x)' "a${newline}b" 'a/b'; do is_host "$bad" && same "$bad" no yes; done
+
+# The module's word on the servers of network time, too.
+for name in "$NTP_PRIMARY" "$NTP_SECONDARY"; do
+  grep -q "\"$name\"" "$tests/../../class_modules/ZQUtil/src/ZQDateTime.h" || same "the module knows $name" yes no
+done
+
+echo old > "$folder/kept"
+ln -s kept "$folder/link"
+echo new | replace_file "$folder/link"
+same "a link to a file stays one" "new kept" "$(cat "$folder/kept") $(readlink "$folder/link")"
+echo new | replace_file "$folder/none/file" 2>/dev/null && same "a folder that is missing" refused taken
+
+exit "$failed"

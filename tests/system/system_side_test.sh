@@ -1,0 +1,90 @@
+#!/bin/sh
+# The system's scripts beside a program: they begin and end with it.  system_side_test.sh FOLDER-OF-BUILD
+set -u
+build=$1
+here=$(cd "$(dirname "$0")" && pwd)
+# shellcheck source=tests/system/expect.sh
+. "$here/expect.sh"
+PATH=$build/bin:$PATH
+device=$folder/device
+
+# Processes of the device, whatever they are.
+# shellcheck disable=SC2317
+processes() {
+  for each in /proc/[0-9]*; do
+    { grep -qzF "ZQ_DEVICE=$device" "$each/environ" || grep -qzF "$device" "$each/cmdline"; } 2>/dev/null && echo "${each#/proc/}"
+  done
+}
+# shellcheck disable=SC2317
+none_left() {
+  [ -z "$(processes)" ]
+}
+# run OPTIONS... -- WORDS...
+run() {
+  zqsim run "$device" "$@"
+}
+# system SCRIPT: a shell with the system's scripts beside it.
+system() {
+  run --system -- sh -c "$1"
+}
+
+run -- nvram init
+# No wait that belongs to the network alone.
+mkdir -p "$device/etc/zq"
+printf '. "%s/share/zqutil/simulated-board.sh"\nSETTLE_SECONDS=0\n' "$build" > "$device/etc/zq/board.sh"
+# shellcheck disable=SC2016
+await_file='until_there() { i=0; until [ -e "$1" ]; do i=$((i + 1)); [ $i -lt 600 ] || exit 9; sleep 0.05; done; }
+            until_gone() { i=0; while [ -e "$1" ]; do i=$((i + 1)); [ $i -lt 600 ] || exit 9; sleep 0.05; done; }'
+
+sed -i 's/^cable = .*/cable = plugged/; s/^delay_ms = .*/delay_ms = 0/' "$device/hw/eth0.ini"
+answer=$(system "$await_file; printf 1 > /tmp/do_S12; until_there /tmp/done_S12; cat /sys/class/net/eth0/operstate; ls /tmp")
+same "a request for the network is served" "up${newline}done_S12" "$answer"
+same "nothing runs on" '' "$(processes)"
+rm -f "$device/tmp/done_S12"
+
+answer=$(run -- sh -c 'printf 1 > /tmp/do_S12; sleep 0.5; ls /tmp')
+same "without the system a request stays" do_S12 "$answer"
+answer=$(system "$await_file; until_there /tmp/done_S12; ls /tmp")
+same "one that was there before is served" done_S12 "$answer"
+
+for status in 0 1 9 127; do
+  system "exit $status"
+  same "the program's status" "$status" $?
+done
+# shellcheck disable=SC2016
+sh -c 'zqsim run "$0" --system -- sh -c '\''kill -9 $$'\''; echo $?' "$device" > "$folder/said" 2>/dev/null
+same "a signal's end" 137 "$(cat "$folder/said")"
+await 5 none_left || same "after the program was killed" '' "$(processes)"
+run --system -- no-such-program 2>/dev/null
+same "no such program" 127 $?
+
+same "input and output are the program's" "given${newline}out" "$(printf 'given\n' | run --system -- sh -c 'cat; echo out' 2>&1)"
+# A pipe ends with the program: nobody beside it holds it.
+same "the program's output ends with it" out "$(system 'echo out; exec 1>&-')"
+
+# Killed itself, zqsim takes all with it.
+zqsim run "$device" --system -- sleep 1000 &
+zqsim=$!
+# shellcheck disable=SC2317
+several() { [ "$(processes | wc -l)" -ge 4 ]; }
+await 5 several || same "zqsim, its keeper, the scripts and the program" 4 "$(processes | wc -l)"
+kill -9 "$zqsim"
+wait "$zqsim" 2>/dev/null
+await 5 none_left || same "after zqsim was killed" '' "$(processes)"
+
+# Signals are the program's.
+# shellcheck disable=SC2016
+for signal in TERM INT HUP USR1; do
+  rm -f "$device/tmp/ready"
+  # A shell starts what is in the background deaf to SIGINT: env is asked to undo that.
+  env --default-signal=INT zqsim run "$device" --system -- sh -c "trap 'echo $signal > /tmp/heard; exit 5' $signal; : > /tmp/ready; while :; do sleep 0.05; done" &
+  zqsim=$!
+  await 5 test -e "$device/tmp/ready"
+  kill -s "$signal" "$zqsim"
+  wait "$zqsim"
+  same "its end after $signal" 5 $?
+  same "what it heard" "$signal" "$(cat "$device/tmp/heard")"
+done
+same "nothing is left at the end" '' "$(processes)"
+
+exit "$failed"
