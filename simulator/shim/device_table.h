@@ -13,6 +13,7 @@
 enum class DeviceKind : uint8_t {
   kPlain,
   kI2cBus,      // transfers are requests of ioctl
+  kNetlink,     // tells of changes of the network interfaces
   kDriverValue  // a driver's file opened for both: it keeps its value until a write, each of which is the
                 // whole
 };

@@ -81,6 +81,11 @@ bool ReplaceHardware(const char* name, std::string_view text) {
   return syscall(SYS_renameat2, AT_FDCWD, draft.Text(), AT_FDCWD, place.Text(), 0) == 0;
 }
 
+bool WatchHardware(int watch, const char* name, uint32_t events) {
+  const HardwarePath path(name);
+  return path.Text() != nullptr && syscall(SYS_inotify_add_watch, watch, path.Text(), events) >= 0;
+}
+
 void AppendHardware(const char* name, std::string_view text) {
   WriteAndClose(OpenHardware(HardwarePath(name), O_WRONLY | O_APPEND), text);
 }

@@ -17,6 +17,8 @@ int64_t HardwareChangedAt(const char* name);
 int64_t FileChangedAt(const char* place);
 // Puts the text in the file's place at once, so that a reader sees the old text or the new one. False on failure.
 bool ReplaceHardware(const char* name, std::string_view text);
+// Adds the file or folder to an inotify descriptor. False when it is not there.
+bool WatchHardware(int watch, const char* name, uint32_t events);
 // Adds to a file's end, in one write; nothing happens when there is no such file.
 void AppendHardware(const char* name, std::string_view text);
 

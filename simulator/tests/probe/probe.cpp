@@ -34,7 +34,7 @@ bool ReadsGiven(int descriptor) {
 // Says "NAME ok", or the reason of the failure, for each call.
 int main() {
   for (const auto rows : {OpenRows(), LookRows(), EntryRows(), AttributeRows(), NameRows(), ProgramRows(),
-                          DisplayRows(), DeviceRows(), InterfaceRows()}) {
+                          DisplayRows(), DeviceRows(), InterfaceRows(), NewsRows()}) {
     for (const ProbeRow& row : rows) {
       errno = 0;
       const bool works = row.works();

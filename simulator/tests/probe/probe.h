@@ -32,6 +32,7 @@ std::span<const ProbeRow> ProgramRows();
 std::span<const ProbeRow> DisplayRows();
 std::span<const ProbeRow> DeviceRows();
 std::span<const ProbeRow> InterfaceRows();
+std::span<const ProbeRow> NewsRows();
 
 // A device path that nothing has; another at each call.
 std::string Fresh();
