@@ -23,6 +23,7 @@ const listener = (args) => args.length !== 1 || !present(args, 0) || Object(args
 const accepts = {
   registerConnectivityListener: listener,
   registerUpdateListener: listener,
+  registerAboutListener: listener,
   backgroundGetESSIDList: listener,
   getIniSetting: (args) => first(args, 2),
   setIniSetting: (args) => args.length === 3 && first(args, 2),

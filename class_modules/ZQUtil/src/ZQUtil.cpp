@@ -4,6 +4,7 @@
 
 #include <limits>
 
+#include "SingletonHold.h"
 #include "SoftwareUpdateList.h"
 #include "ZQDateTime.h"
 #include "ZQNetwork.h"
@@ -97,6 +98,7 @@ ZQUtil::ZQUtil() : zq_MsgQ(nullptr, nullptr) {
   screen = new ZQScreen(true, brightness, boardContrast);
   dateTime = new ZQDateTime(true);
   ZQUTIL_TRACE("ZQUtil Created All Objects\n");
+  BeginSingletonHolds(this);
 
   Create(nullptr, 0);
   AsyncConfigWrite(kConfigBrightness);
@@ -115,6 +117,7 @@ ZQUtil::~ZQUtil() {
   // What was posted until now is still carried out, with the parts that it needs in place. After this no handler
   // runs that could meet a part that is gone, and posts are refused.
   Drain();
+  EndSingletonHolds();
   ReleaseSoftwareUpdateList();
   delete network;
   network = nullptr;

@@ -13,6 +13,7 @@
 
 #define ZQUTIL_METHODS(METHOD, FUNCTION)                                  \
   FUNCTION("constructor", 0, ZQUtil_constructor)                          \
+  FUNCTION("GetVersion", 0, ZQUtil_GetVersion)                            \
   FUNCTION("getESSIDList", 0, ZQUtil_GetESSIDList)                        \
   FUNCTION("getCachedESSIDList", 0, ZQUtil_GetCachedESSIDList)            \
   METHOD("backgroundGetESSIDList", 1, BackgroundGetESSIDList)             \
@@ -78,6 +79,7 @@
   METHOD("beginUpdate", 1, BeginUpdate)                                   \
   METHOD("registerUpdateListener", 1, RegisterUpdateListener)             \
   METHOD("factoryReset", 0, FactoryReset)                                 \
+  METHOD("registerAboutListener", 1, RegisterAboutListener)               \
   METHOD("getIniSetting", 2, GetIniSetting)                               \
   METHOD("setIniSetting", 3, SetIniSetting)                               \
   METHOD("deleteIniFile", 1, DeleteIniFile)                               \
@@ -102,6 +104,8 @@ ZQUTIL_API int32_t ZQUtil_finalizer(void* self);
 // One member answers both: with a scan, and from the list of the last one.
 ZQUTIL_API int32_t ZQUtil_GetESSIDList(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
 ZQUTIL_API int32_t ZQUtil_GetCachedESSIDList(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
+// An object with the device's versions; needs no singleton (ZQUtilAbout.cpp).
+ZQUTIL_API int32_t ZQUtil_GetVersion(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);
 
 #define ZQUTIL_DECLARE_WRAPPER(scriptName, declared, member) \
   ZQUTIL_API int32_t ZQUtil_##member(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval);

@@ -13,24 +13,25 @@
 namespace {
 
 constexpr char kAllMethods[] =
-    "constructor/0 getESSIDList/0 getCachedESSIDList/0 backgroundGetESSIDList/1 getESSID/0 "
-    "getConfiguredESSID/0 getConfiguredESSIDListed/0 getIP/0 getMACAddr/0 getSubnetMask/0 getPrimaryDNS/0 "
-    "getSecondaryDNS/0 getGateway/0 getProxy/0 getNetworkType/0 getDHCPEnabled/0 getProxyEnabled/0 "
-    "getSignalStrength/0 setWiredNetworkDHCP/0 setWiredNetworkStatic/5 setWirelessNetworkDHCP/7 "
-    "setWirelessNetworkStatic/12 getWirelessSecurity/0 setProxy/1 setProxyEnabled/1 "
-    "registerConnectivityListener/1 checkConnectivity/1 getFirstTime/0 setFirstTime/1 "
-    "getPhoneVolume/0 setPhoneVolume/1 MutePhone/0 "
-    "UnmutePhone/0 getMediaVolume/0 setMediaVolume/1 getMicVolume/0 setMicVolume/1 MuteMic/0 UnmuteMic/0 "
-    "getBrightness/0 setBrightness/1 getContrast/0 setContrast/1 getDimMode/0 setDimMode/1 "
-    "screenStandby/0 getTZList/0 getNTPEnabled/0 setNTPEnabled/1 getPrimaryNTPServer/0 "
-    "setPrimaryNTPServer/1 getSecondaryNTPServer/0 setSecondaryNTPServer/1 setTime/1 setTZ/1 getTZ/0 "
-    "getMilitaryTimeEnabled/0 setMilitaryTimeEnabled/1 appLog/3 isTablet/0 batteryPct/0 chargeStatus/0 "
-    "GetUpdateList/0 beginUpdate/1 registerUpdateListener/1 factoryReset/0 getIniSetting/2 setIniSetting/3 "
-    "deleteIniFile/1 writeFile/2 deleteFile/1 utf8Encode/1 ";
+    "constructor/0 GetVersion/0 getESSIDList/0 getCachedESSIDList/0 backgroundGetESSIDList/1 getESSID/0 "
+    "getConfiguredESSID/0 getConfiguredESSIDListed/0 getIP/0 getMACAddr/0 getSubnetMask/0 "
+    "getPrimaryDNS/0 getSecondaryDNS/0 getGateway/0 getProxy/0 getNetworkType/0 getDHCPEnabled/0 "
+    "getProxyEnabled/0 getSignalStrength/0 setWiredNetworkDHCP/0 setWiredNetworkStatic/5 "
+    "setWirelessNetworkDHCP/7 setWirelessNetworkStatic/12 getWirelessSecurity/0 setProxy/1 "
+    "setProxyEnabled/1 registerConnectivityListener/1 checkConnectivity/1 getFirstTime/0 setFirstTime/1 "
+    "getPhoneVolume/0 setPhoneVolume/1 MutePhone/0 UnmutePhone/0 getMediaVolume/0 setMediaVolume/1 "
+    "getMicVolume/0 setMicVolume/1 MuteMic/0 UnmuteMic/0 getBrightness/0 setBrightness/1 getContrast/0 "
+    "setContrast/1 getDimMode/0 setDimMode/1 screenStandby/0 getTZList/0 getNTPEnabled/0 setNTPEnabled/1 "
+    "getPrimaryNTPServer/0 setPrimaryNTPServer/1 getSecondaryNTPServer/0 setSecondaryNTPServer/1 "
+    "setTime/1 setTZ/1 getTZ/0 getMilitaryTimeEnabled/0 setMilitaryTimeEnabled/1 appLog/3 isTablet/0 "
+    "batteryPct/0 chargeStatus/0 GetUpdateList/0 beginUpdate/1 registerUpdateListener/1 factoryReset/0 "
+    "registerAboutListener/1 getIniSetting/2 setIniSetting/3 deleteIniFile/1 writeFile/2 deleteFile/1 "
+    "utf8Encode/1 ";
 
 // Each script name with the symbol of the function that answers it.
 constexpr std::pair<const char*, const char*> kAllWrappers[] = {
     {"constructor", "ZQUtil_constructor"},
+    {"GetVersion", "ZQUtil_GetVersion"},
     {"getESSIDList", "ZQUtil_GetESSIDList"},
     {"getCachedESSIDList", "ZQUtil_GetCachedESSIDList"},
     {"backgroundGetESSIDList", "ZQUtil_BackgroundGetESSIDList"},
@@ -96,6 +97,7 @@ constexpr std::pair<const char*, const char*> kAllWrappers[] = {
     {"beginUpdate", "ZQUtil_BeginUpdate"},
     {"registerUpdateListener", "ZQUtil_RegisterUpdateListener"},
     {"factoryReset", "ZQUtil_FactoryReset"},
+    {"registerAboutListener", "ZQUtil_RegisterAboutListener"},
     {"getIniSetting", "ZQUtil_GetIniSetting"},
     {"setIniSetting", "ZQUtil_SetIniSetting"},
     {"deleteIniFile", "ZQUtil_DeleteIniFile"},

@@ -7,7 +7,7 @@ set -eu
 strange=$(nm -D --defined-only "$1" | awk '$3 !~ /^__odr_asan/ {print $3}' | c++filt | grep -vE \
   '^(MM_(Load|Unload|InitWrapper|TermWrapper|Init|Term)|ZQUtil_[A-Za-z0-9]+|iso_8859_1s_to_utf8s|tztable|(de)?registerFileMonitor)$' | grep -vE \
   '^((typeinfo|vtable|typeinfo name) for )?(ZQUtil|ZQNetwork|ZQAudioVolume|ZQScreen|ZQDateTime)(::|$)' | grep -vE \
-  '^(threadConfigWrite|my_nvram_write_key|threadAutoScreenDim|threadRestartNetwork|threadFileMonitor|setslaveadr|native_initialize|native_set_speaker_level)\(' | grep -vE \
+  '^(threadConfigWrite|my_nvram_write_key|threadAutoScreenDim|threadRestartNetwork|threadFileMonitor|threadAboutDialog|setslaveadr|native_initialize|native_set_speaker_level)\(' | grep -vE \
   '^(ZQPopen|ZQCopyFile|ZQBasename|ZQString_appendCharacter|ZQTrimmedPathLength)\(' | grep -vE \
   '^(threadCheckForAvailableUpdates|HttpProcessResponse|DownloadUpdate|GetFilenameFromURL|RebootDevice|rebootRequired)\(' | grep -vE \
   '^(HttpDownload(Connected|Data|Error|Disconnected)|ApplyUpdatePackage|CopyUpdateToUpdatesDir|SendUpdateDownloadedSuccess)\(' ||

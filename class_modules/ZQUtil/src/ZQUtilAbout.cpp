@@ -1,0 +1,95 @@
+#include "ZQUtilAbout.h"
+
+#include <optional>
+
+#include "AboutSummary.h"
+#include "SingletonHold.h"
+#include "VersionSources.h"
+#include "ZQUtil.h"
+#include "ZQUtilMethodTable.h"
+#include "ZQUtilPersistence.h"
+#include "ZQUtilTrace.h"
+#include "listeners.h"
+#include "script_values.h"
+#include "zq_ini.h"
+#include "zq_thread.h"
+
+namespace {
+
+constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtilAbout";
+constexpr char kListenerProperty[] = "AboutListener";
+
+// Nothing when the singleton or one of its parts is gone.
+std::optional<AboutSummary> Gather(void* singleton) {
+  const SingletonHold util(singleton);
+  if (!util || util->network == nullptr || util->dateTime == nullptr) return std::nullopt;
+  return GatherAboutSummary(*util->network, *util->dateTime);
+}
+
+void* ListenerOf(void* singleton) {
+  const SingletonHold util(singleton);
+  return util ? util->aboutListener.load() : nullptr;
+}
+
+// The word of a new object; null when the host makes none.
+zq_Value NewResponse(const AboutSummary& summary) {
+  void* const object = NewScriptObject();
+  if (object == nullptr) return ZQ_VALUE_NULL;
+  SetAboutProperties(object, summary);
+  SetVersionProperties(object, zq_GetINIFileInt(kConfigSection, "deviceid", 0, kSettingsFile));
+  return ObjectValue(object);
+}
+
+void Tell(void* listener, zq_Value response) {
+  const auto callMethod = engine::CallMethodWithArgs();
+  if (listener != nullptr && callMethod != nullptr) callMethod(listener, "onResult", 1, &response);
+}
+
+void Answer(void* singleton) {
+  std::optional<AboutSummary> summary = Gather(singleton);
+  if (!summary) return;
+  ZQUTIL_TRACE("ZQUtil About Dialog Thread Constructing Response Object\n");
+  const zq_Value response = NewResponse(*summary);
+  ZQUTIL_TRACE("ZQUtil About Dialog Thread Messaging Client\n");
+  Tell(ListenerOf(singleton), response);
+  ZQUTIL_TRACE("ZQUtil About Dialog Thread Freeing Memory\n");
+  summary.reset();
+}
+
+const char* WhatIsWrong(const ScriptArguments& arguments, const zq_Value* argv) {
+  if (arguments.Count() != 1) return "Not Enough Arguments";
+  return argv[0] == ZQ_VALUE_VOID ? "void argument" : "null argument";
+}
+
+}  // namespace
+
+int32_t ZQUtil_GetVersion(void* /*self*/, uint32_t /*argc*/, zq_Value* /*argv*/, zq_Value* rval) {
+  void* const object = NewScriptObject();
+  if (object != nullptr) SetVersionProperties(object, 0);
+  if (rval != nullptr) *rval = object != nullptr ? ObjectValue(object) : ZQ_VALUE_NULL;
+  return 1;
+}
+
+int32_t ZQUtil::RegisterAboutListener(void* /*self*/, uint32_t argc, zq_Value* argv, zq_Value* /*rval*/) {
+  ZQUTIL_TRACE("ZQUtil Registering Software About Listener\n");
+  const ScriptArguments arguments(argc, argv);
+  if (arguments.Count() != 1 || !arguments.Present(0)) {
+    ZQUTIL_TRACE("ZQUtil Registering Software About Listener %s\n", WhatIsWrong(arguments, argv));
+    ForgetListener(kListenerProperty, aboutListener);
+    return 1;
+  }
+  ZQUTIL_TRACE("ZQUtil Registering Software About Listener valid argument\n");
+  if (!KeepListener(argv[0], kListenerProperty, aboutListener)) return 0;
+  ZQUTIL_TRACE("ZQUtil Registering Software About Listener calling setmember\n");
+  ZQUTIL_TRACE("ZQUtil Registering Software About Listenerstarting thread\n");
+  zq__beginthread(threadAboutDialog, this, nullptr, kSourceTag, __LINE__);
+  return 1;
+}
+
+int32_t threadAboutDialog(void* singleton) {
+  ZQUTIL_TRACE("ZQUtil About Dialog Thread Running\n");
+  const WorkerRequest request;
+  if (request) Answer(singleton);
+  ZQUTIL_TRACE("ZQUtil About Dialog Thread Exiting\n");
+  return 0;
+}
