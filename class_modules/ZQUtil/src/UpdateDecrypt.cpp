@@ -6,6 +6,9 @@
 #include <openssl/provider.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -18,7 +21,7 @@
 
 namespace {
 
-// What is read at a time, and room for that and one block more.
+// What is decrypted at a time, and room for that and one block more.
 constexpr int kPieceBytes = 1024;
 constexpr int kDecryptedBytes = 1056;
 
@@ -69,6 +72,34 @@ class Blowfish {
   const Owned<EVP_CIPHER_CTX, EVP_CIPHER_CTX_free> context_;
 };
 
+// A file piece by piece, read in larger ones: half of the system calls are saved.
+class PieceReader {
+ public:
+  explicit PieceReader(int file) : file_(file) {}
+
+  // The next piece; what read() returns for its size.
+  ssize_t Next(const unsigned char** piece) {
+    if (next_ == end_) {
+      const ssize_t count = read(file_, buffer_.get(), kBufferBytes);
+      if (count <= 0) return count;
+      next_ = buffer_.get();
+      end_ = next_ + count;
+    }
+    const ssize_t count = std::min<ssize_t>(kPieceBytes, end_ - next_);
+    *piece = next_;
+    next_ += count;
+    return count;
+  }
+
+ private:
+  static constexpr size_t kBufferBytes = size_t{64} * kPieceBytes;
+
+  const int file_;
+  const std::unique_ptr<unsigned char[]> buffer_ = std::make_unique<unsigned char[]>(kBufferBytes);
+  const unsigned char* next_ = nullptr;
+  const unsigned char* end_ = nullptr;
+};
+
 void Write(int out, const unsigned char* bytes, int length) {
   while (length > 0) {
     const ssize_t written = write(out, bytes, static_cast<size_t>(length));
@@ -113,9 +144,10 @@ void ZQUtil::update_decrypt(int in, int out) {
   unsigned char decrypted[kDecryptedBytes];
   int length = 0;
   const char* reason = nullptr;
+  PieceReader reader(in);
   for (;;) {
-    unsigned char piece[kPieceBytes] = {};
-    const ssize_t count = read(in, piece, sizeof piece);
+    const unsigned char* piece = nullptr;
+    const ssize_t count = reader.Next(&piece);
     if (count <= 0) {
       reason = count == 0 ? "Normal Loop Break\n" : "read error\n";
       break;
