@@ -47,9 +47,7 @@ class TableTest(unittest.TestCase):
         self.device, self.interfaces = typings.read_typings()
 
     def test_typings_are_the_method_table(self):
-        rows = table()
-        named = {name for name, _ in rows}
-        self.assertEqual([(method.name, told(method)) for method in self.device.methods if method.name in named], rows)
+        self.assertEqual([(method.name, told(method)) for method in self.device.methods], table())
 
     def test_there_are_as_many_as_the_class_has(self):
         names = [method.name for method in self.device.methods]
