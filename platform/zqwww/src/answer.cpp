@@ -4,8 +4,9 @@
 
 #include "www_trace.h"
 
-bool ReceiveAnswer(Connection& connection, const ResponseRules& rules, size_t piece,
-                   const ResponseReader::Sink& sink, const char* server) {
+bool ReceiveAnswer(Connection& connection, const ResponseRules& rules, const ResponseReader::Sink& sink,
+                   const char* server) {
+  const size_t piece = connection.Piece();
   const auto buffer = std::make_unique_for_overwrite<char[]>(piece);
   ResponseReader reader(rules, sink);
   ResponseReader::State state = ResponseReader::State::kMore;

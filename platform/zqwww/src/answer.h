@@ -5,9 +5,9 @@
 #include "connection.h"
 #include "response_reader.h"
 
-// True when the body is whole; else the reason is in the trace, unless it was cancelled. `piece`: the most that
-// is given to the sink at a time, in bytes. `server`: for the trace.
-bool ReceiveAnswer(Connection& connection, const ResponseRules& rules, size_t piece,
-                   const ResponseReader::Sink& sink, const char* server);
+// True when the body is whole; else the reason is in the trace, unless it was cancelled. `server`: for the
+// trace.
+bool ReceiveAnswer(Connection& connection, const ResponseRules& rules, const ResponseReader::Sink& sink,
+                   const char* server);
 
 #endif

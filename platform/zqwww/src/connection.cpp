@@ -21,8 +21,8 @@ int MillisecondsUntil(std::chrono::steady_clock::time_point deadline) {
 
 }  // namespace
 
-Connection::Connection(const Limits& limits, const Cancellation* cancellation)
-    : limits_(limits), cancellation_(cancellation) {}
+Connection::Connection(const Limits& limits, const Cancellation* cancellation, size_t piece)
+    : limits_(limits), cancellation_(cancellation), piece_(piece) {}
 
 Connection::~Connection() {
   if (multi_ && easy_) curl_multi_remove_handle(multi_.get(), easy_.get());
@@ -58,6 +58,8 @@ bool Connection::Prepare(const UrlParts& server, const Route& route) {
   curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
   curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, error_);
   curl_easy_setopt(easy, CURLOPT_CONNECT_ONLY, 1L);
+  // Also the most that curl_easy_recv reads.
+  curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, static_cast<long>(piece_));
   // Never HTTP/2: curl_easy_recv of 7.88 crashes when a server chose it.
   curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
   curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect.count()));

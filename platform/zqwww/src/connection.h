@@ -26,8 +26,11 @@ struct Limits {
 // Every failure but a cancellation is traced.
 class Connection {
  public:
-  // `cancellation` outlives this; null: none.
-  Connection(const Limits& limits, const Cancellation* cancellation);
+  // The most that one Receive gives, in bytes, unless asked otherwise.
+  static constexpr size_t kPiece = 16384;
+
+  // `cancellation` outlives this; null: none. `piece`: 1024 to 512 KiB.
+  Connection(const Limits& limits, const Cancellation* cancellation, size_t piece = kPiece);
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
   ~Connection();
@@ -35,7 +38,8 @@ class Connection {
   // Once. Over TLS, true only when the server proved to be the one that is named.
   bool Open(const UrlParts& server, const Route& route, const Trust& trust);
   bool Send(const char* bytes, size_t size);
-  // Waits for bytes and takes what has come, at most `size`; 0 when the server closed, -1 on failure. Over TLS
+  size_t Piece() const { return piece_; }
+  // Waits for bytes and takes what has come, at most `size` and a piece; 0 when the server closed, -1 on failure. Over TLS
   // a connection that ends without the server's farewell failed: somebody else may have cut it.
   ssize_t Receive(char* buffer, size_t size);
 
@@ -61,6 +65,7 @@ class Connection {
   const LibrariesHold libraries_;
   const Limits limits_;
   const Cancellation* const cancellation_;
+  const size_t piece_;
   Trust trust_;
   std::string name_;  // for traces
   bool tls_ = false;

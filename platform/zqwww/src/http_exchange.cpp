@@ -1,5 +1,6 @@
 #include "http_exchange.h"
 
+#include <algorithm>
 #include <exception>
 
 #include "answer.h"
@@ -8,6 +9,13 @@
 
 HTTP::Exchange::Exchange(HTTP* owner, const zq_URL& url, const Callbacks& callbacks, size_t piece)
     : owner_(owner), url_(url), callbacks_(callbacks), piece_(piece) {}
+
+namespace {
+
+// Larger ones leave the processor's cache before they are used.
+constexpr size_t kMaxPiece = 131072;
+
+}  // namespace
 
 bool HTTP::Exchange::Start(const std::shared_ptr<Exchange>& exchange) {
   auto share = std::make_unique<std::shared_ptr<Exchange>>(exchange);
@@ -32,7 +40,7 @@ int32_t HTTP::Exchange::Thread(void* share) {
 }
 
 void HTTP::Exchange::Run() {
-  Connection connection({}, &cancellation_);
+  Connection connection({}, &cancellation_, std::min(piece_, kMaxPiece));
   if (!connection.Open(url_.parts_->url, url_.parts_->route, ReadTrust())) {
     Call(callbacks_.error);
     return;
@@ -48,7 +56,7 @@ void HTTP::Exchange::Receive(Connection& connection) {
     if (callbacks_.data != nullptr && !cancellation_.Requested()) callbacks_.data(owner_, &response);
   };
   const ResponseRules rules{.maxBody = INT32_MAX, .endMayBeTold = url_.parts_->url.tls};
-  ReceiveAnswer(connection, rules, piece_, give, url_.hostText());
+  ReceiveAnswer(connection, rules, give, url_.hostText());
 }
 
 // The owner may be gone when the callback returns.

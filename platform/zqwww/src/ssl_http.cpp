@@ -16,7 +16,6 @@ namespace {
 
 constexpr Limits kLimits{.exchange = std::chrono::minutes(2)};
 constexpr int64_t kMaxBody = 8 << 20;
-constexpr size_t kPiece = 16384;
 
 }  // namespace
 
@@ -34,7 +33,7 @@ char* SSLHTTP::State::Answer() const {
   const auto keep = [&body](const zq_HttpResponse& response) {
     body.append(response.chunk, response.chunkLength);
   };
-  if (!ReceiveAnswer(*connection, {kMaxBody, true}, kPiece, keep, hostText.c_str())) return nullptr;
+  if (!ReceiveAnswer(*connection, {kMaxBody, true}, keep, hostText.c_str())) return nullptr;
   if (body.find('\0') == body.npos) return zq__newString(body.c_str(), __FILE__, __LINE__);
   WwwFailure("%s: answer refused: no text\n", hostText.c_str());
   return nullptr;

@@ -3,9 +3,11 @@
 #include <openssl/err.h>
 #include <openssl/ssl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <climits>
 #include <cstdlib>
+#include <filesystem>
 
 #include "www_trace.h"
 #include "zq_ini.h"
@@ -34,6 +36,26 @@ void Load(X509_STORE* store, const std::string& path) {
   ERR_clear_error();
 }
 
+// Whether the folder has certificates under their hashed names, which are read only as they are needed.
+bool HasHashedNames(const std::string& folder) {
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+    if (entry.path().extension() == ".0") return true;
+  }
+  return false;
+}
+
+// The system's folder where there is one; its bundle has the same, but all of it is read for each connection.
+void LoadSystems(X509_STORE* store) {
+  const char* folder = X509_get_default_cert_dir();
+  const char* bundle = X509_get_default_cert_file();
+  if (HasHashedNames(folder)) {
+    Load(store, folder);
+  } else if (access(bundle, F_OK) == 0) {
+    Load(store, bundle);
+  }
+}
+
 }  // namespace
 
 Trust ReadTrust() {
@@ -54,8 +76,7 @@ void ApplyTrust(const Trust& trust, void* tlsContext) {
   if (!trust.store.empty()) {
     Load(store, trust.store);
   } else {
-    X509_STORE_set_default_paths(store);
-    ERR_clear_error();
+    LoadSystems(store);
   }
   for (const std::string& file : trust.extra) Load(store, file);
 }
