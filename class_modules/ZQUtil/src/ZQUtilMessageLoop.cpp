@@ -1,6 +1,7 @@
 // The queue thread's side of the singleton: every message, timer expiry and socket notice comes through here, one at a
 // time. Listeners are called from here without BeginRequest and EndRequest: each is a single call, which the engine
 // takes from any thread.
+#include "ESSIDListTurn.h"
 #include "TimeDrift.h"
 #include "ZQNetwork.h"
 #include "ZQSoftwareUpdate.h"
@@ -142,7 +143,11 @@ void ZQUtil::OnConnectFailure(uint32_t socket) {
 
 void ZQUtil::OnBackgroundScan() {
   ZQUTIL_TRACE("ZQUtil Get ESSID Message\n");
-  if (network != nullptr) network->getESSIDList(true, false, nullptr, false);
+  if (network != nullptr) {
+    // Not while the listener is called, which reads the list.
+    const ESSIDListTurn turn(ESSIDListTurn::Patience::kWaits);
+    network->getESSIDList(true, false, nullptr, false);
+  }
   void* const listener = getessidListener;
   if (listener == nullptr) return;
   ZQUTIL_TRACE("ZQUtil calling onSSIDList\n");

@@ -1,6 +1,7 @@
 // The networks in the air, for scripts.
 #include <strings.h>
 
+#include "ESSIDListTurn.h"
 #include "ESSIDTexts.h"
 #include "OwnedText.h"
 #include "ZQNetwork.h"
@@ -95,8 +96,13 @@ int32_t ZQUtil::GetESSIDList(void* /*self*/, uint32_t /*argc*/, zq_Value* /*argv
   const auto newArray = engine::NewArray();
   void* const array = newArray != nullptr ? newArray(0, nullptr) : nullptr;
   if (array == nullptr || network == nullptr) return 1;
-  const zq_List* const list = network->getESSIDList(true, cached, nullptr, flag);
-  if (list != nullptr) FillArray(array, *network, *list);
+  // The list is empty as long as a scan of the queue thread is under way, and a script that wants what there is does not
+  // wait for that.
+  const ESSIDListTurn turn(cached ? ESSIDListTurn::Patience::kDoesNot : ESSIDListTurn::Patience::kWaits);
+  if (turn.Mine()) {
+    const zq_List* const list = network->getESSIDList(true, cached, nullptr, flag);
+    if (list != nullptr) FillArray(array, *network, *list);
+  }
   if (rval != nullptr) *rval = ObjectValue(array);
   return 1;
 }

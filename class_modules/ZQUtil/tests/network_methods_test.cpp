@@ -607,6 +607,26 @@ TEST_F(RadioTest, OfBackgroundScansInQuickSuccessionTheLastListenerHearsTheFirst
   EXPECT_EQ(Scans(), 3);
 }
 
+TEST_F(RadioTest, ScriptsReadAndScanWhileTheQueueScans) {
+  std::string air;
+  for (int i = 0; i < 60; ++i) air += "[Network " + std::to_string(i) + "]\n";
+  SetAir(air);
+  std::string all;
+  for (int i = 0; i < 60; ++i) all += "Network " + std::to_string(i) + ",";
+  constexpr int kScans = 4;
+  for (int i = 0; i < kScans; ++i) PostToQueue(kMsgBackgroundScan, 0);
+  while (zq_MsgQPending(ZQUtil::m_pInstance->Handle()) > 0) {
+    const std::string names = Names("getCachedESSIDList");
+    EXPECT_TRUE(names.empty() || names == all) << names;
+  }
+  EXPECT_EQ(Names("getESSIDList"), all);
+  PostToQueue(kMsgBackgroundScan, 0);
+  Ask("setWirelessNetworkDHCP", Texts({"Network 59", "OPEN", "DISABLED", "NOKEY", "", "0", ""}));
+  EXPECT_EQ(StoredKey("net.listed"), "<none>");
+  Settle();
+  EXPECT_EQ(Names("getCachedESSIDList"), all);
+}
+
 TEST_F(RadioTest, AListenerThatIsForgottenMeanwhileHearsNothing) {
   Ask("backgroundGetESSIDList", {BareEngine::Word(engine.NewObject())});
   Ask("backgroundGetESSIDList");
