@@ -144,3 +144,11 @@ std::string ModuleTest::Traces() const {
   }
   return all;
 }
+
+std::string ModuleTest::TracesWithoutNews() const {
+  constexpr std::string_view kNews = "ZQUtil Socket got a New Interfaces notification\n";
+  std::string all = Traces();
+  for (size_t at = all.find(kNews); at != std::string::npos; at = all.find(kNews))
+    all.erase(at, kNews.size());
+  return all;
+}

@@ -42,6 +42,8 @@ class ModuleTest : public testing::Test {
   // The traces since ForgetTraces, each with its line break; without those of the light-sensor thread, which
   // come when they like.
   std::string Traces() const;
+  // The same without news of interfaces, which come some time after a test has changed one.
+  std::string TracesWithoutNews() const;
 
   // Posts to the living singleton's queue. False when it refuses.
   static bool PostToQueue(uint32_t type, uintptr_t param2, uint32_t param1 = 0);

@@ -108,21 +108,21 @@ TEST_F(NetworkInterfacesTest, TheHardwareAddressIsTheRadiosWhereThereIsOne) {
   const std::string radio = Of(&ZQNetwork::getMACAddr);
   EXPECT_EQ(radio.size(), 17U);
   EXPECT_EQ(radio + "\n", ReadFile("/sys/class/net/ra0/address"));
-  EXPECT_EQ(Traces(),
+  EXPECT_EQ(TracesWithoutNews(),
             "ZQUtil zq_SocketFindInterfaceByName returned 3 for ra0\n"
             "ZQUtil returning MAC Address for interface 3, " +
                 radio + "\n");
   Remove(kRadio);
   const std::string wired = Of(&ZQNetwork::getMACAddr);
   EXPECT_EQ(wired + "\n", ReadFile("/sys/class/net/eth0/address"));
-  EXPECT_EQ(Traces(),
+  EXPECT_EQ(TracesWithoutNews(),
             "ZQUtil zq_SocketFindInterfaceByName returned -1 for ra0\n"
             "ZQUtil zq_SocketFindInterfaceByName returned 2 for eth0\n"
             "ZQUtil returning MAC Address for interface 2, " +
                 wired + "\n");
   Remove(kWired);
   EXPECT_EQ(Of(&ZQNetwork::getMACAddr), "");
-  EXPECT_EQ(Traces(),
+  EXPECT_EQ(TracesWithoutNews(),
             "ZQUtil zq_SocketFindInterfaceByName returned -1 for ra0\n"
             "ZQUtil zq_SocketFindInterfaceByName returned -1 for eth0\n"
             "ZQUtil returning MAC Address for interface -1, \n");
@@ -132,13 +132,14 @@ TEST_F(NetworkInterfacesTest, ConnectedIsAssociatedWithAnAddress) {
   GoWireless();
   Set(kRadio, "[link]\nup = yes\nassociated = yes\nessid = Home\n[address]\nip = 10.0.0.7\n");
   EXPECT_TRUE(Connected());
-  EXPECT_EQ(Traces(), "Creating WRQ\nCopying interface name\nCalling IOCTL\nResults Connected to Home:\n");
+  EXPECT_EQ(TracesWithoutNews(),
+            "Creating WRQ\nCopying interface name\nCalling IOCTL\nResults Connected to Home:\n");
   Set(kRadio, "[link]\nup = yes\nassociated = yes\nessid = Home\n");
   EXPECT_FALSE(Connected()) << "no address yet";
-  EXPECT_NE(Traces().find("Results Connected to Home:\n"), std::string::npos);
+  EXPECT_NE(TracesWithoutNews().find("Results Connected to Home:\n"), std::string::npos);
   Set(kRadio, "[link]\nup = yes\nassociated = no\n[address]\nip = 10.0.0.7\n");
   EXPECT_FALSE(Connected());
-  EXPECT_NE(Traces().find("Results Not associated:\n"), std::string::npos);
+  EXPECT_NE(TracesWithoutNews().find("Results Not associated:\n"), std::string::npos);
   Set(kRadio, "[link]\nup = no\nassociated = yes\n[address]\nip = 10.0.0.7\n");
   EXPECT_FALSE(Connected());
   EXPECT_EQ(Ip(), "");
@@ -152,12 +153,13 @@ TEST_F(NetworkInterfacesTest, ADriverThatRefusesItsStateIsNotConnected) {
     Set(kRadio, "[link]\nup = yes\nassociated = yes\n[address]\nip = 10.0.0.7\n[driver]\nstatus = " +
                     std::string(error) + "\n");
     EXPECT_FALSE(Connected());
-    EXPECT_EQ(Traces(), "Creating WRQ\nCopying interface name\nCalling IOCTL\nioctl not accepted -1\n" +
-                            std::string(name) + "\n");
+    EXPECT_EQ(TracesWithoutNews(),
+              "Creating WRQ\nCopying interface name\nCalling IOCTL\nioctl not accepted -1\n" +
+                  std::string(name) + "\n");
   }
   Remove(kRadio);
   EXPECT_FALSE(Connected());
-  EXPECT_NE(Traces().find("ioctl not accepted -1\nother\n"), std::string::npos);
+  EXPECT_NE(TracesWithoutNews().find("ioctl not accepted -1\nother\n"), std::string::npos);
 }
 
 TEST_F(NetworkInterfacesTest, AVardo2IsConnectedWhenItsLinkIsUpAndHasAnAddress) {
@@ -165,12 +167,12 @@ TEST_F(NetworkInterfacesTest, AVardo2IsConnectedWhenItsLinkIsUpAndHasAnAddress) 
   Network().hardwareType = 2;
   Set(kRadio, "[link]\nup = yes\nassociated = yes\n[address]\nip = 10.0.0.7\n");
   EXPECT_TRUE(Connected());
-  EXPECT_EQ(Traces(),
+  EXPECT_EQ(TracesWithoutNews(),
             "Checking connected status on a Vardo2\nOpened /sys/class/net/ra0/operstate\nContents up\n\n"
             "Connection is up\n");
   Set(kRadio, "[link]\nup = yes\nassociated = yes\n");
   EXPECT_FALSE(Connected());
-  EXPECT_NE(Traces().find("Connection is up\n"), std::string::npos);
+  EXPECT_NE(TracesWithoutNews().find("Connection is up\n"), std::string::npos);
 }
 
 TEST_F(NetworkInterfacesTest, TheStrengthIsTheLinksQuality) {

@@ -28,7 +28,7 @@ class NetworkMethodsTest : public ModuleTest {
   // test's.
   std::string MethodTraces() const {
     std::string all;
-    std::istringstream lines(Traces());
+    std::istringstream lines(TracesWithoutNews());
     for (std::string line; std::getline(lines, line);) {
       const bool own = line.rfind("ZQUtil GUI ", 0) == 0 || line.rfind("ZQUtil Get", 0) == 0 ||
                        line.rfind("ZQUtil SetWireless", 0) == 0 || line.rfind("ZQUtil returning", 0) == 0;
@@ -417,13 +417,13 @@ TEST_F(WirelessMethodsTest, TheCachedListIsTheOneThatWasKept) {
             "Name=Wpa Signal=<int -12> Encrypted=<int 1> Connected=<int 0> "
             "AuthType=WPA-PSK EncType=TKIP "
             "WPAType=WPA1\n");
-  EXPECT_EQ(Traces().rfind("ZQUtil GUI Call to GetESSIDList\n", 0), 0U) << Traces();
-  EXPECT_NE(Traces().find("=====Returning ESSID "
-                          "Home\nAuthtype=Disabled\nWPAType=None\nEnctype=None\n=====\n"
-                          "=====Returning ESSID "
-                          "Wpa\nAuthtype=WPA-PSK\nWPAType=WPA1\nEnctype=TKIP\n=====\n"),
+  EXPECT_EQ(TracesWithoutNews().rfind("ZQUtil GUI Call to GetESSIDList\n", 0), 0U) << TracesWithoutNews();
+  EXPECT_NE(TracesWithoutNews().find("=====Returning ESSID "
+                                     "Home\nAuthtype=Disabled\nWPAType=None\nEnctype=None\n=====\n"
+                                     "=====Returning ESSID "
+                                     "Wpa\nAuthtype=WPA-PSK\nWPAType=WPA1\nEnctype=TKIP\n=====\n"),
             std::string::npos)
-      << Traces();
+      << TracesWithoutNews();
   Forget();
   EXPECT_EQ(Entries("getCachedESSIDList"), "") << "an array, empty";
 }
@@ -453,7 +453,7 @@ TEST_F(WirelessMethodsTest, AnEntryWithoutANameHasAnEmptyOne) {
   See(nullptr, 5);
   StoreKey("net.essid", "");
   EXPECT_EQ(Entries("getCachedESSIDList").rfind("Name= Signal=<int 5> ", 0), 0U);
-  EXPECT_NE(Traces().find("=====Returning ESSID (NULL)\n"), std::string::npos);
+  EXPECT_NE(TracesWithoutNews().find("=====Returning ESSID (NULL)\n"), std::string::npos);
 }
 
 TEST_F(WirelessMethodsTest, NamesOfAnyBytesArriveAsTheyAre) {
@@ -471,9 +471,9 @@ TEST_F(WirelessMethodsTest, OnlyTheConfiguredNetworkCanBeConnected) {
   StoreKey("net.essid", "HOME");
   const std::string entries = Entries("getCachedESSIDList");
   EXPECT_NE(entries.find("Name=Home Signal=<int 30> Encrypted=<int 0> Connected=<int 1>"), std::string::npos)
-      << entries << Traces();
+      << entries << TracesWithoutNews();
   EXPECT_NE(entries.find("Name=other Signal=<int 1> Encrypted=<int 0> Connected=<int 0>"), std::string::npos);
-  EXPECT_NE(Traces().find("Connected\nAuthtype=Disabled\n"), std::string::npos);
+  EXPECT_NE(TracesWithoutNews().find("Connected\nAuthtype=Disabled\n"), std::string::npos);
   StoreKey("net.essid", "nowhere");
   EXPECT_EQ(Entries("getCachedESSIDList").find("Connected=<int 1>"), std::string::npos);
 }
@@ -581,13 +581,13 @@ TEST_F(RadioTest, ACurrentNetworkWithoutANameOrAStoreIsEmpty) {
 TEST_F(RadioTest, ABackgroundScanTellsItsListenerOnceAndTheListIsThere) {
   Object& listener = engine.NewObject();
   EXPECT_EQ(Ask("backgroundGetESSIDList", {BareEngine::Word(listener)}), "<void>");
-  EXPECT_EQ(Traces().rfind(
+  EXPECT_EQ(TracesWithoutNews().rfind(
                 "ZQUtil GUI Call to BackgroundGetESSIDList\nZQUtil Clearing old listener\nZQUtil Messaging "
                 "thread to get SSIDs " +
                     std::to_string(ZQUtil::m_pInstance->Handle()) + "\n",
                 0),
             0U)
-      << Traces();
+      << TracesWithoutNews();
   Settle();
   EXPECT_EQ(engine.TakeCalls(), "onSSIDList()");
   EXPECT_EQ(Property(), "<null>");
@@ -644,7 +644,7 @@ TEST_F(RadioTest, WhatIsNoListenerForgetsTheOneThatWaits) {
   for (const auto& [arguments, reason] : calls) {
     ZQUtil::m_pInstance->getessidListener = &engine.NewObject();
     EXPECT_EQ(Ask("backgroundGetESSIDList", arguments), "<void>");
-    EXPECT_EQ(Traces(), "ZQUtil GUI Call to BackgroundGetESSIDList\n" + reason);
+    EXPECT_EQ(TracesWithoutNews(), "ZQUtil GUI Call to BackgroundGetESSIDList\n" + reason);
     EXPECT_EQ(Property(), "<null>");
     EXPECT_EQ(ZQUtil::m_pInstance->getessidListener, nullptr);
   }
@@ -655,7 +655,7 @@ TEST_F(RadioTest, WhatIsNoObjectFailsAndChangesNothing) {
   Object& listener = engine.NewObject();
   ZQUtil::m_pInstance->getessidListener = &listener;
   EXPECT_EQ(Ask("backgroundGetESSIDList", {S("text")}), "<returned 0>");
-  EXPECT_EQ(Traces(), "ZQUtil GUI Call to BackgroundGetESSIDList\nZQUtil Clearing old listener\n");
+  EXPECT_EQ(TracesWithoutNews(), "ZQUtil GUI Call to BackgroundGetESSIDList\nZQUtil Clearing old listener\n");
   EXPECT_EQ(ZQUtil::m_pInstance->getessidListener, &listener);
   EXPECT_EQ(Scans(), 0);
 }
