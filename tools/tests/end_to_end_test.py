@@ -66,15 +66,18 @@ class EndToEndTest(unittest.TestCase):
         support.write(os.path.join(self.device, "zqapplog.ini"),
                       f"[config]\nhost = localhost\nsslport = {self.server.https}\n")
 
-    def run_program(self, name, *words):
+    def environment(self):
         # The server's folder is the machine's, although a device has a /tmp of its own.
         environment = {**os.environ, "ZQ_CA_FILE": self.server.said["ca-file"], "ZQ_TRACE": "off",
                        "ZQ_SIM_HOST_PATHS": self.server.folder,
                        "PATH": PROGRAMS + os.pathsep + os.environ["PATH"]}
         for name_of_proxy in ("http_proxy", "no_proxy", "https_proxy"):
             environment.pop(name_of_proxy, None)
+        return environment
+
+    def run_program(self, name, *words):
         done = subprocess.run([os.path.join(PROGRAMS, name), *words], capture_output=True, text=True, check=False,
-                              env=environment, cwd=self.scratch, timeout=support.PATIENCE)
+                              env=self.environment(), cwd=self.scratch, timeout=support.PATIENCE)
         # The module tells of every decryption there.
         errors = [line for line in done.stderr.splitlines() if not line.startswith("Handles (2) ")]
         self.assertEqual((done.returncode, errors), (0, []), done.stdout)
