@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <span>
 
-#include "DownloadDetails.h"
 #include "SoftwareUpdateList.h"
 #include "UpdateAcknowledgement.h"
 #include "UpdateKey.h"
@@ -672,12 +671,15 @@ TEST_F(UpdateDownloadTest, ADownloadThatOutlivesTheSingletonEndsByItself) {
   EXPECT_EQ(ZQUtil::m_pInstance, nullptr);
   unlink("/tmp/do_update");
   clock.Advance(seconds(1));
-  for (int i = 0; i < 60000 && !Exists("/tmp/reboot"); ++i) usleep(1000);
-  for (int i = 0; i < 60000 && sDownloadDetails.stream != nullptr; ++i) {
+  const auto over = [&] {
+    return trace.Has("ZQUtil Received a disconnect notification from zqwww on downloading an update");
+  };
+  for (int i = 0; i < 60000 && !over(); ++i) {
     clock.Advance(seconds(1));
     usleep(1000);
   }
-  EXPECT_EQ(sDownloadDetails.stream, nullptr);
+  EXPECT_TRUE(over());
+  EXPECT_EQ(ReadFile("/tmp/reboot"), "1");
 }
 
 }  // namespace
