@@ -12,7 +12,9 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <optional>
+#include <string>
 #include <system_error>
 
 #include "launch.h"
@@ -141,6 +143,16 @@ void ForgetTemporaryFiles(const fs::path& root) {
   for (const auto& entry : fs::directory_iterator(root / "tmp", error)) fs::remove_all(entry.path(), error);
 }
 
+// A reboot ends whatever the program has left running; it has become this process's.
+void EndOrphans() {
+  const std::string place = "/proc/self/task/" + std::to_string(getpid()) + "/children";
+  do {
+    std::ifstream children(place);
+    if (!children) return;
+    for (pid_t child = 0; children >> child;) kill(child, SIGKILL);
+  } while (waitpid(-1, nullptr, 0) > 0 || errno == EINTR);
+}
+
 int EndAs(int status, const SignalNews& signals) {
   if (!WIFSIGNALED(status)) return WEXITSTATUS(status);
   // The program has left its picture already.
@@ -170,6 +182,7 @@ int Supervise(const SupervisedRun& run) {
       boot = program.Reboots();
     }
     if (boot) {
+      EndOrphans();
       ForgetTemporaryFiles(run.root);
       fprintf(stderr, "zqsim: the device reboots\n");
     } else if (!run.restartOnSuccess || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
