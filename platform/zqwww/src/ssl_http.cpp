@@ -7,7 +7,6 @@
 #include "answer.h"
 #include "environment.h"
 #include "request_text.h"
-#include "sigpipe_guard.h"
 #include "www_trace.h"
 #include "zq_memory.h"
 #include "zqwww.h"
@@ -41,10 +40,7 @@ char* SSLHTTP::State::Answer() const {
 
 SSLHTTP::SSLHTTP() : state_(std::make_unique<State>()) {}
 
-SSLHTTP::~SSLHTTP() {
-  const SigpipeGuard guard;
-  state_.reset();
-}
+SSLHTTP::~SSLHTTP() = default;
 
 bool SSLHTTP::AddHeader(const char* name, const char* value) try {
   if (name == nullptr || value == nullptr || !IsAddable(name, value)) return false;
@@ -55,7 +51,6 @@ bool SSLHTTP::AddHeader(const char* name, const char* value) try {
 }
 
 bool SSLHTTP::Connect(int protocol, const char* host, int port) try {
-  const SigpipeGuard guard;
   state_->connection.reset();
   const std::optional<UrlParts> server =
       protocol == ZQWWW_TCP && host != nullptr ? ServerParts(true, host, port) : std::nullopt;
@@ -73,7 +68,6 @@ bool SSLHTTP::Connect(int protocol, const char* host, int port) try {
 }
 
 char* SSLHTTP::Send(const char* request) try {
-  const SigpipeGuard guard;
   if (!state_->connection || request == nullptr) return nullptr;
   const std::optional<std::string> whole = WithFields(request, state_->fields);
   char* answer = whole && state_->SendWhole(*whole) ? state_->Answer() : nullptr;
@@ -85,7 +79,6 @@ char* SSLHTTP::Send(const char* request) try {
 }
 
 char* SSLHTTP::SendBody(const char* body, const char* url, bool answer) try {
-  const SigpipeGuard guard;
   const std::optional<UrlParts> parts = url != nullptr ? ParseUrl(url) : std::nullopt;
   if (!state_->connection || !parts) return nullptr;
   const std::optional<std::string_view> text =

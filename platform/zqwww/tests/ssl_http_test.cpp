@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <future>
 #include <memory>
 #include <optional>
@@ -317,6 +318,23 @@ TEST_F(SslHttpTest, TheLibrarysOwnProxyVariablesAreNotRead) {
   const EnvironmentSetting https("https_proxy", "http://127.0.0.1:1");
   const EnvironmentSetting all("ALL_PROXY", "http://127.0.0.1:1");
   EXPECT_EQ(GetFrom(server), "direct");
+}
+
+TEST_F(SslHttpTest, AServerThatHangsUpWhileItIsToldMuchDoesNotEndTheProcess) {
+  // As in a host that leaves the signal alone.
+  struct sigaction deadly {};
+  deadly.sa_handler = SIG_DFL;
+  struct sigaction before {};
+  sigaction(SIGPIPE, &deadly, &before);
+  TestServer server([](Conversation& client) { client.ResetNow(); }, Tls());
+  const std::string much(4 << 20, 'x');
+  for (int i = 0; i < 5; ++i) {
+    SSLHTTP http;
+    if (http.Connect(kTcp, "127.0.0.1", server.Port())) {
+      EXPECT_EQ(http.SendBody(much.c_str(), kPlaceholder, true), nullptr);
+    }
+  }
+  sigaction(SIGPIPE, &before, nullptr);
 }
 
 TEST_F(SslHttpTest, IsDestroyedWithAConnectionOpen) {
