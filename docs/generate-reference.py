@@ -41,13 +41,15 @@ def signature(method):
     return f"{method.name}(\n  " + ",\n  ".join(words) + f"\n): {method.result}"
 
 
-def method_section(method, link):
+def method_section(method, interfaces, link):
     lines = [f"### {method.name}", "", "```ts", signature(method), "```", "", link(method.about), ""]
     facts = [f"- `{each.name}`: {link(each.about)}" for each in method.parameters]
     if method.returns:
         facts.append(f"- gives {link(method.returns)}")
     if method.throws:
         facts.append(f"- throws {link(method.throws)}")
+    if types := [name for name in re.findall(r"\bZQ\w+", method.signature()) if name in interfaces]:
+        facts.append("- see " + ", ".join(link(name) for name in types))
     if facts:
         lines += [*facts, ""]
     return lines
@@ -84,7 +86,7 @@ def generate():
         lines += [f"## {group}", ""]
         for method in device.methods:
             if method.group == group:
-                lines += method_section(method, link)
+                lines += method_section(method, types, link)
     lines += ["## Listeners and results", ""]
     for interface in interfaces:
         lines += interface_section(interface, link)

@@ -154,7 +154,7 @@ interface ZQUpdateListener {
   onDownloading?(percent: number): void;
   /** The package is being installed. Called a second time before the device restarts. */
   onInstalling?(): void;
-  /** The connection broke before the package was whole. The server is asked again in due time. */
+  /** The connection broke, or the disk was full, before the package was whole. The server is asked again in time. */
   onDownloadFailed?(): void;
 }
 
@@ -218,7 +218,7 @@ declare class ZQUtil {
   getConfiguredESSIDListed(): string;
   /**
    * The address of the interface in use: ra0 when the device is set up for wireless, or else eth0. Asking also puts
-   * off a check for updates that is due within a minute.
+   * off a check for updates that is due within a minute: it is due five minutes later then.
    * @returns for example "192.168.1.20"; "" without an address
    */
   getIP(): string;
