@@ -4,19 +4,29 @@
 
 namespace {
 
-std::atomic<bool> g_taken = false;
+enum Holder { kNobody, kShort, kScanning };
+
+std::atomic<Holder> g_holder = kNobody;
 
 }  // namespace
 
-ESSIDListTurn::ESSIDListTurn(Patience patience) : mine_(!g_taken.exchange(true)) {
-  while (!mine_ && patience == Patience::kWaits) {
-    g_taken.wait(true);
-    mine_ = !g_taken.exchange(true);
+ESSIDListTurn::ESSIDListTurn(Use use) {
+  const Holder wanted = use == Use::kScans ? kScanning : kShort;
+  for (;;) {
+    Holder holder = kNobody;
+    mine_ = g_holder.compare_exchange_strong(holder, wanted);
+    if (mine_ || (use == Use::kReads && holder == kScanning)) return;
+    g_holder.wait(holder);
   }
 }
 
 ESSIDListTurn::~ESSIDListTurn() {
   if (!mine_) return;
-  g_taken = false;
-  g_taken.notify_one();
+  g_holder = kNobody;
+  g_holder.notify_all();
+}
+
+void ESSIDListTurn::TurnsToScan() {
+  g_holder = kScanning;
+  g_holder.notify_all();
 }

@@ -7,20 +7,23 @@
 
 class ESSIDListTurn {
  public:
-  enum class Patience {
-    kWaits,    // as long as the turn before takes, a scan of seconds too
-    kDoesNot,  // may come out without the turn
+  enum class Use {
+    kReads,    // takes as long as a script array does; comes out without the turn when a scan is under way
+    kLooksUp,  // waits for its turn, a scan's end too
+    kScans     // the same; takes seconds, and the list is empty meanwhile
   };
 
-  explicit ESSIDListTurn(Patience patience);
+  explicit ESSIDListTurn(Use use);
   ESSIDListTurn(const ESSIDListTurn&) = delete;
   ESSIDListTurn& operator=(const ESSIDListTurn&) = delete;
   ~ESSIDListTurn();
 
   bool Mine() const { return mine_; }
+  // Whoever looked something up finds that it must scan for it.
+  void TurnsToScan();
 
  private:
-  bool mine_;
+  bool mine_ = false;
 };
 
 #endif

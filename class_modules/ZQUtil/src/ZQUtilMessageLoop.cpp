@@ -145,7 +145,7 @@ void ZQUtil::OnBackgroundScan() {
   ZQUTIL_TRACE("ZQUtil Get ESSID Message\n");
   if (network != nullptr) {
     // Not while the listener is called, which reads the list.
-    const ESSIDListTurn turn(ESSIDListTurn::Patience::kWaits);
+    const ESSIDListTurn turn(ESSIDListTurn::Use::kScans);
     network->getESSIDList(true, false, nullptr, false);
   }
   void* const listener = getessidListener;

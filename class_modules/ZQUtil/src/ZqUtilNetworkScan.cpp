@@ -98,7 +98,7 @@ int32_t ZQUtil::GetESSIDList(void* /*self*/, uint32_t /*argc*/, zq_Value* /*argv
   if (array == nullptr || network == nullptr) return 1;
   // The list is empty as long as a scan of the queue thread is under way, and a script that wants what there is does not
   // wait for that.
-  const ESSIDListTurn turn(cached ? ESSIDListTurn::Patience::kDoesNot : ESSIDListTurn::Patience::kWaits);
+  const ESSIDListTurn turn(cached ? ESSIDListTurn::Use::kReads : ESSIDListTurn::Use::kScans);
   if (turn.Mine()) {
     const zq_List* const list = network->getESSIDList(true, cached, nullptr, flag);
     if (list != nullptr) FillArray(array, *network, *list);

@@ -84,7 +84,8 @@ int32_t ZQUtil::SetWirelessNetworkDHCP(void* /*self*/, uint32_t argc, zq_Value* 
     ZQUTIL_TRACE("ZQUtil SetWirelessNetworkDHCP missing argument %u\n", texts.Taken());
     return 1;
   }
-  const ESSIDListTurn turn(ESSIDListTurn::Patience::kWaits);
+  ESSIDListTurn turn(ESSIDListTurn::Use::kLooksUp);
+  if (network->essidList->Count() == 0) turn.TurnsToScan();
   network->setWirelessNetworkDHCP(texts[0], texts[1], texts[2], texts[3], texts[4], DecimalNumber(texts[5]),
                                   texts[6]);
   return 1;
@@ -101,7 +102,8 @@ int32_t ZQUtil::SetWirelessNetworkStatic(void* /*self*/, uint32_t argc, zq_Value
     return 1;
   }
   if (texts.Complete()) {
-    const ESSIDListTurn turn(ESSIDListTurn::Patience::kWaits);
+    ESSIDListTurn turn(ESSIDListTurn::Use::kLooksUp);
+    if (network->essidList->Count() == 0) turn.TurnsToScan();
     network->setWirelessNetworkStatic(texts[0], texts[1], texts[2], texts[3], texts[4], texts[5], texts[6],
                                       texts[7], texts[8], texts[9], DecimalNumber(texts[10]), texts[11]);
   }
