@@ -420,6 +420,27 @@ TEST_F(NetworkSettingsTest, AClosedKeyStoreStoresNothingAndRestartsNothing) {
   EXPECT_EQ(trace.Has("ZQUtil spawning network restart thread"), false);
 }
 
+// The disk refuses once, at each access in turn: a getter gives what is stored, what it gives for a missing key, or null.
+TEST_F(NetworkSettingsTest, AKeyStoreThatRefusesOnceIsReadAsItIsAsEmptyOrNotAtAll) {
+  StoreKey("net.key", "0123456789");
+  StoreKey("net.authtype", "WPAPSK");
+  for (const char* call : {"open", "read", "flock", "close"}) {
+    for (int which = 1;; ++which) {
+      const Fault fault(OnThisMachine("/var/lib/zq"),
+                        std::string(call) + ":" + std::to_string(which) + ":EIO");
+      const std::string key = Of(&ZQNetwork::getKey);
+      const std::string authentication = Of(&ZQNetwork::getNetAuth);
+      EXPECT_TRUE(key == "0123456789" || key.empty() || key == "<null>")
+          << key << ", " << call << " " << which;
+      EXPECT_TRUE(authentication == "WPAPSK" || authentication == "OPEN" || authentication == "<null>")
+          << authentication << ", " << call << " " << which;
+      if (fault.Calls(call) < which) break;
+      ASSERT_LT(which, 100);
+    }
+  }
+  EXPECT_EQ(Of(&ZQNetwork::getKey), "0123456789");
+}
+
 // The disk refuses once, at each access in turn: every key has its old or its new value, and the network restarts.
 TEST_F(NetworkSettingsTest, AKeyStoreThatRefusesOnceLosesOneValueAtMost) {
   SeeNetwork("Home");
