@@ -16,6 +16,7 @@
 ZQSIM_NEXT(XOpenDisplay)
 ZQSIM_NEXT(XCloseDisplay)
 ZQSIM_NEXT(XFlush)
+ZQSIM_NEXT(XSetIOErrorExitHandler)
 ZQSIM_NEXT(DPMSQueryExtension)
 ZQSIM_NEXT(DPMSCapable)
 ZQSIM_NEXT(DPMSEnable)
@@ -102,6 +103,13 @@ ZQSIM_HOOK int XFlush(Display* display) {
   if (!IsSimulated(display)) return PASS_X11(XFlush, display);
   NoteCall("XFlush");
   return 1;
+}
+
+// The simulated server never ends.
+ZQSIM_HOOK void XSetIOErrorExitHandler(Display* display, XIOErrorExitHandler handler, void* data) {
+  if (IsSimulated(display)) return;
+  const auto real = Real(&next_XSetIOErrorExitHandler, "libX11.so.6", &::XSetIOErrorExitHandler);
+  if (real != nullptr) real(display, handler, data);
 }
 
 ZQSIM_HOOK Bool DPMSQueryExtension(Display* display, int* event, int* error) {

@@ -1,6 +1,8 @@
 // Standby, over the X server's power saving (DPMS).
 #include <X11/Xlib.h>
 
+#include <atomic>
+
 #include "ZQScreen.h"
 #include "ZQUtilTrace.h"
 // After Xlib.h, whose types it uses.
@@ -16,6 +18,34 @@ struct StandbyTimeouts {
 };
 
 constexpr StandbyTimeouts kUsualTimeouts{900, 1200, 1800};
+
+// While it lives the end of one connection's server is a failure of what is asked, where Xlib would end the process.
+// Other connections' ends stay with the process's handler, which comes back with this object's end. Script thread.
+class SurvivingServersEnd {
+ public:
+  explicit SurvivingServersEnd(Display* display) {
+    ours = display;
+    XSetIOErrorExitHandler(display, LiveOn, nullptr);
+    others = XSetIOErrorHandler(OnEnd);
+    if (others.load() != nullptr) return;
+    // None was set: Xlib names its own when it is asked to take it back.
+    XSetIOErrorHandler(nullptr);
+    others = XSetIOErrorHandler(OnEnd);
+  }
+  SurvivingServersEnd(const SurvivingServersEnd&) = delete;
+  SurvivingServersEnd& operator=(const SurvivingServersEnd&) = delete;
+  ~SurvivingServersEnd() { XSetIOErrorHandler(others); }
+
+ private:
+  static int OnEnd(Display* display) {
+    const XIOErrorHandler handler = others;
+    return display == ours || handler == nullptr ? 0 : handler(display);
+  }
+  static void LiveOn(Display* /*display*/, void* /*data*/) {}
+
+  static inline std::atomic<Display*> ours = nullptr;
+  static inline std::atomic<XIOErrorHandler> others = nullptr;
+};
 
 bool HasPowerSaving(Display* display) {
   int firstEvent = 0;
@@ -62,6 +92,7 @@ void ZQScreen::ScreenStandby() {
     ZQUTIL_TRACE("XOpenDisplay failed.\n");
     return;
   }
+  const SurvivingServersEnd surviving(display);
   if (!HasPowerSaving(display)) {
     ZQUTIL_TRACE("DPMSQueryExtension failed.\n");
     return;

@@ -35,9 +35,9 @@ class ZQUTIL_API ZQScreen {
   void SetDimMode(bool on);
 
   // Puts the default X display into standby, and power saving on; failures are traced. Each call opens a
-  // connection to the server and keeps it. Script thread only. A server that ends while it is asked, or refuses
-  // a request, is a matter of the process's Xlib error handlers, which are the host's: the ones that Xlib sets
-  // end the process.
+  // connection to the server and keeps it. Script thread only. A server that ends while it is asked makes the rest
+  // fail. One that ends while the connection is made, or refuses a request, is a matter of the process's Xlib error
+  // handlers, which are the host's: the ones that Xlib sets end the process.
   void ScreenStandby();
 
   // Backlight 0..255 of the board and 0..100 of the user, in single precision, rounded toward zero.

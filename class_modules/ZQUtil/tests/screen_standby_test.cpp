@@ -1,11 +1,19 @@
 // Standby on each answer that an X server can give: what the server is asked, in order, and what is traced.
+#include <X11/Xlib.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
+#include <thread>
 #include <utility>
 
 #include "ZQScreen.h"
+#include "loopback_listener.h"
 #include "module_fixture.h"
 #include "temp_dir.h"
 #include "x_server.h"
@@ -208,6 +216,71 @@ TEST_F(ScreenStandbyTest, SaysThatAServerDoesNotKnowPowerSaving) {
   server.End();
   EXPECT_EQ(Ask({.server = "real"}), "");
   EXPECT_EQ(Failures(), "XOpenDisplay failed.\n") << "the server that was asked before is gone";
+}
+
+// Stands between a program and a server, which is gone as soon as the program asks for DPMS.
+class EndingServer {
+ public:
+  explicit EndingServer(const std::string& display) : thread_([this, display] { Serve(display); }) {}
+  EndingServer(const EndingServer&) = delete;
+  EndingServer& operator=(const EndingServer&) = delete;
+  ~EndingServer() { thread_.join(); }
+
+  // What $DISPLAY is to be: ports of displays begin at 6000.
+  std::string Display() const { return "127.0.0.1:" + std::to_string(listener_.Port() - 6000); }
+
+ private:
+  void Serve(const std::string& display) {
+    const int program = listener_.Accept();
+    const int server = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    // The kernel's own name for the socket, which needs no file.
+    const std::string name = "/tmp/.X11-unix/X" + display.substr(1);
+    name.copy(address.sun_path + 1, sizeof address.sun_path - 2);
+    const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
+    if (connect(server, reinterpret_cast<sockaddr*>(&address), length) == 0) Relay(program, server);
+    close(server);
+    close(program);
+  }
+
+  static void Relay(int program, int server) {
+    pollfd ends[] = {{program, POLLIN, 0}, {server, POLLIN, 0}};
+    while (poll(ends, 2, 60000) > 0) {
+      for (const bool fromProgram : {true, false}) {
+        if (ends[fromProgram ? 0 : 1].revents == 0) continue;
+        char block[65536];
+        const ssize_t count = read(fromProgram ? program : server, block, sizeof block);
+        if (count <= 0) return;
+        const std::string bytes(block, static_cast<size_t>(count));
+        if (fromProgram && bytes.find("DPMS") != std::string::npos) return;
+        if (write(fromProgram ? server : program, bytes.data(), bytes.size()) != count) return;
+      }
+    }
+  }
+
+  LoopbackListener listener_;
+  std::thread thread_;
+};
+
+TEST_F(ScreenStandbyTest, LivesOnWhenTheServerEndsWhileItIsAsked) {
+  XServer server;
+  ASSERT_NE(server.Display(), "");
+  const EndingServer ending(server.Display());
+  setenv("DISPLAY", ending.Display().c_str(), 1);
+  EXPECT_EQ(Ask({.server = "real"}), "");
+  // The library does not always notice at its first request that it got no answer.
+  EXPECT_TRUE(Failures() == "DPMSQueryExtension failed.\n" ||
+              Failures().rfind("DPMSCapable failed.\n", 0) == 0)
+      << Failures();
+  EXPECT_EQ(Ask({}), kKept) << "and the next call asks anew";
+}
+
+TEST_F(ScreenStandbyTest, GivesTheProcessItsOwnHandlerBack) {
+  const auto own = [](Display*) { return 0; };
+  XSetIOErrorHandler(own);
+  Ask({});
+  EXPECT_EQ(XSetIOErrorHandler(nullptr), XIOErrorHandler{own});
 }
 
 TEST_F(ScreenStandbyTest, LivesOnWhenAServerTakesNoMoreConnections) {

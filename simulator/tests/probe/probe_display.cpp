@@ -50,9 +50,22 @@ bool Closes() {
   return open != nullptr && close != nullptr && close(open(nullptr)) == 0;
 }
 
+// The server never ends, so that the handler is nobody's; without the library there is no such function.
+bool TakesAnEndsHandler() {
+  auto* const open = Symbol<Connection(const char*)>("XOpenDisplay");
+  auto* const call = Symbol<void(Connection, void (*)(Connection, void*), void*)>("XSetIOErrorExitHandler");
+  auto* const flush = Symbol<int(Connection)>("XFlush");
+  if (open == nullptr || call == nullptr || flush == nullptr) return false;
+  const Connection display = open(nullptr);
+  call(
+      display, [](Connection, void*) {}, nullptr);
+  return flush(display) == 1;
+}
+
 constexpr ProbeRow kRows[] = {
     {"XOpenDisplay", Opens},
     {"XCloseDisplay", Closes},
+    {"XSetIOErrorExitHandler", TakesAnEndsHandler},
     {"XFlush", [] { return Works("XFlush"); }},
     {"DPMSQueryExtension", QueriesExtension},
     {"DPMSCapable", [] { return Works("DPMSCapable"); }},
