@@ -52,7 +52,8 @@ void ApplyKey(iw_point* point, _ESSIDStruct* record) {
   unsigned char key[IW_ENCODING_TOKEN_MAX + 1] = {};
   const Payload payload = PayloadOf(*point, IW_ENCODING_TOKEN_MAX);
   if (payload.length > 0) memcpy(key, payload.bytes, payload.length);
-  char text[128] = {};
+  char text[128];
+  text[0] = '\0';
   iw_print_key(text, sizeof text, key, static_cast<int>(payload.length), flags);
   ZQUTIL_TRACE("Encryption Key: %s\n", text);
   const int index = flags & IW_ENCODE_INDEX;

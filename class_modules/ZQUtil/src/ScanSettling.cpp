@@ -59,14 +59,14 @@ bool ScanSettling::Settle() {
   if (invalid_ || working_.ESSID == nullptr) return true;
   if (working_.ESSID[0] == '\0') {
     ZQUTIL_TRACE("Ditching zero length ESSID\n");
-  } else if (IsListed()) {
+  } else if (const size_t hash = Hash(working_.ESSID); IsListed(hash)) {
     ZQUTIL_TRACE("=====\n");
     ZQUTIL_TRACE(
         "ZQUtil GetESSIDList Not Adding (duplicate) %s, encrypted %d, strength %d WPA %d TKIP %d AES %d\n",
         working_.ESSID, working_.encrypted, working_.strength, working_.WPAVersion, working_.TKIP,
         working_.AES);
   } else {
-    return Add();
+    return Add(hash);
   }
   Clear();
   return true;
@@ -76,13 +76,13 @@ void ScanSettling::End() {
   if (invalid_ || working_.ESSID == nullptr) return;
   if (working_.ESSID[0] == '\0') {
     ZQUTIL_TRACE("Ditching zero length ESSID\n");
-  } else if (!IsListed()) {
-    Add();
+  } else if (const size_t hash = Hash(working_.ESSID); !IsListed(hash)) {
+    Add(hash);
   }
 }
 
-bool ScanSettling::IsListed() const {
-  if (!hashes_.test(Hash(working_.ESSID))) return false;
+bool ScanSettling::IsListed(size_t hash) const {
+  if (!hashes_.test(hash)) return false;
   for (auto* position = list_->First(); position != nullptr; position = list_->Next(position)) {
     const auto* const record = static_cast<const _ESSIDStruct*>(list_->Record(position));
     if (record->ESSID != nullptr && strcmp(record->ESSID, working_.ESSID) == 0) return true;
@@ -90,14 +90,24 @@ bool ScanSettling::IsListed() const {
   return false;
 }
 
-size_t ScanSettling::Hash(const char* name) const {
-  uint32_t hash = 2166136261U;  // FNV-1a
-  for (; *name != '\0'; ++name) hash = (hash ^ static_cast<uint8_t>(*name)) * 16777619U;
-  return (hash ^ hash >> 16) % hashes_.size();
+// Of the name's ends, which tell most names apart.
+size_t ScanSettling::Hash(const char* name) {
+  const size_t length = strlen(name);
+  uint64_t first = 0;
+  uint64_t last = 0;
+  if (length >= sizeof first) {
+    memcpy(&first, name, sizeof first);
+    memcpy(&last, name + length - sizeof last, sizeof last);
+  } else {
+    memcpy(&first, name, length);
+  }
+  const uint64_t mixed = (first + 31 * last) * 0x9E3779B97F4A7C15;
+  // The product's high bits depend on all of the bytes.
+  return mixed >> (64 - kHashBits);
 }
 
 // The name goes over to the new record.
-bool ScanSettling::Add() {
+bool ScanSettling::Add(size_t hash) {
   auto* const record = static_cast<_ESSIDStruct*>(zq__calloc(1, sizeof(_ESSIDStruct), kSourceTag, __LINE__));
   if (record == nullptr) return false;
   ZQUTIL_TRACE("=====\n");
@@ -107,7 +117,7 @@ bool ScanSettling::Add() {
   *record = working_;
   working_ = {};
   list_->Add(record);
-  hashes_.set(Hash(record->ESSID));
+  hashes_.set(hash);
   return true;
 }
 

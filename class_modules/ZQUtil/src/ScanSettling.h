@@ -32,9 +32,9 @@ class ScanSettling {
 
  private:
   bool Settle();
-  bool IsListed() const;
-  size_t Hash(const char* name) const;
-  bool Add();
+  bool IsListed(size_t hash) const;
+  static size_t Hash(const char* name);
+  bool Add(size_t hash);
   void Clear();
 
   zq_List* list_;
@@ -42,7 +42,8 @@ class ScanSettling {
   _ESSIDStruct working_ = {};
   bool invalid_ = true;
   // By the hash of each name in the list: most new names are found to be new without a look through the list.
-  std::bitset<16384> hashes_;
+  static constexpr int kHashBits = 14;
+  std::bitset<size_t{1} << kHashBits> hashes_;
 };
 
 #endif
