@@ -190,7 +190,7 @@ declare class ZQUtil {
   getESSIDList(): ZQAccessPoint[];
   /**
    * The networks that the last scan found, without a new one.
-   * @returns an empty array before the first scan
+   * @returns an empty array before the first scan and while one is under way
    */
   getCachedESSIDList(): ZQAccessPoint[];
   /**
