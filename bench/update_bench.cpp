@@ -10,11 +10,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <span>
 #include <string>
 #include <vector>
 
-#include "UpdateKey.h"
 #include "ZQPopen.h"
 #include "ZQSoftwareUpdate.h"
 #include "ZQUtil.h"
@@ -23,6 +21,7 @@
 #include "http_peer.h"
 #include "ratio.h"
 #include "temp_dir.h"
+#include "update_key_text.h"
 #include "zq_thread.h"
 
 namespace {
@@ -34,19 +33,10 @@ constexpr int kCommandRounds = 5;
 constexpr int kConnections = 30;
 constexpr int kConnectionRounds = 3;
 
-std::string Hex(std::span<const uint8_t> bytes) {
-  std::string text;
-  for (const uint8_t byte : bytes) {
-    char digits[3];
-    std::snprintf(digits, sizeof digits, "%02x", byte);
-    text += digits;
-  }
-  return text;
-}
-
 std::string OpenSsl(const char* direction, const std::string& in, const std::string& out) {
-  return std::string("openssl enc ") + direction + " -bf-cbc -provider legacy -provider default -K " +
-         Hex(kUpdateKey) + " -iv " + Hex(kUpdateIv) + " -in " + in + " -out " + out;
+  std::string command;
+  for (const std::string& word : OpenSslWords(direction, in, out)) command += word + " ";
+  return command;
 }
 
 void Must(bool held, const char* what) {

@@ -20,6 +20,7 @@ namespace {
 
 constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUpdateInstall";
 constexpr char kDoneKey[] = "update.done";
+constexpr char kUpdaterFolder[] = "/updates";
 constexpr char kUpdaterTrigger[] = "/tmp/do_update";
 constexpr size_t kCaptureBytes = 128;
 constexpr uint32_t kUpdaterPollMs = 1000;
@@ -75,7 +76,11 @@ bool ApplyUpdatePackage() {
 }
 
 bool CopyUpdateToUpdatesDir() {
-  ZQCopyFile(sDownloadDetails.fileName, "/updates");
+  // What the updater will not find must not be acknowledged: the server would never offer it again.
+  if (!ZQCopyFile(sDownloadDetails.fileName, kUpdaterFolder)) {
+    ZQUTIL_TRACE("ZQUtil could not copy %s to %s\n", sDownloadDetails.fileName, kUpdaterFolder);
+    sDownloadDetails.applied = false;
+  }
   zq_RemoveFile(sDownloadDetails.fileName, false);
   return true;
 }

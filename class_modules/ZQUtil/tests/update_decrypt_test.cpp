@@ -2,25 +2,13 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <span>
 
-#include "UpdateKey.h"
 #include "module_fixture.h"
 #include "run_program.h"
+#include "update_key_text.h"
 
 namespace {
-
-std::string Hex(std::span<const uint8_t> bytes) {
-  std::string text;
-  for (const uint8_t byte : bytes) {
-    char digits[3];
-    std::snprintf(digits, sizeof digits, "%02x", byte);
-    text += digits;
-  }
-  return text;
-}
 
 class UpdateDecryptTest : public ModuleTest {
  protected:
@@ -33,11 +21,9 @@ class UpdateDecryptTest : public ModuleTest {
     for (const char* file : {"/tmp/plain", "/tmp/cipher", "/tmp/out"}) unlink(file);
   }
 
-  static std::string Encrypt(const std::string& plain, const std::string& key = Hex(kUpdateKey)) {
+  static std::string Encrypt(const std::string& plain, const std::string& key = HexText(kUpdateKey)) {
     WriteFile("/tmp/plain", plain);
-    const ProgramResult result =
-        RunProgram({"openssl", "enc", "-e", "-bf-cbc", "-provider", "legacy", "-provider", "default", "-K",
-                    key, "-iv", Hex(kUpdateIv), "-in", "/tmp/plain", "-out", "/tmp/cipher"});
+    const ProgramResult result = RunProgram(OpenSslWords("-e", "/tmp/plain", "/tmp/cipher", key));
     EXPECT_EQ(result.status, 0) << result.errors;
     return ReadFile("/tmp/cipher");
   }

@@ -5,16 +5,15 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <span>
 
 #include "SoftwareUpdateList.h"
 #include "UpdateAcknowledgement.h"
-#include "UpdateKey.h"
 #include "ZQSoftwareUpdate.h"
 #include "ZQUpdateDownload.h"
 #include "ZQUpdateInstall.h"
 #include "run_program.h"
 #include "update_fixture.h"
+#include "update_key_text.h"
 #include "zq_memory.h"
 #include "zq_socket.h"
 #include "zqwww.h"
@@ -27,16 +26,6 @@ using std::chrono::seconds;
 constexpr char kDisconnected[] =
     "ZQUtil Received a disconnect notification from zqwww on downloading an update\n";
 constexpr char kDestroyed[] = "ZQUtil Done destroying http object";
-
-std::string Hex(std::span<const uint8_t> bytes) {
-  std::string text;
-  for (const uint8_t byte : bytes) {
-    char digits[3];
-    std::snprintf(digits, sizeof digits, "%02x", byte);
-    text += digits;
-  }
-  return text;
-}
 
 class UpdateDownloadTest : public UpdateTest {
  protected:
@@ -268,6 +257,24 @@ TEST_F(UpdateDownloadTest, ACopiedPackageWaitsForTheSystemsUpdater) {
   }
 }
 
+TEST_F(UpdateDownloadTest, APackageThatCannotBeCopiedIsNotAcknowledged) {
+  Start();
+  Device("0", "2");
+  fs::create_directories("/updates/app-1.tgz");  // no file takes its place
+  packages.AnswerBody("the package");
+  TakeTraces();
+  Download(Url("app-1.tgz"));
+  AwaitTrace("ZQUtil created /tmp/do_update");
+  AwaitModuleSleeper();
+  unlink("/tmp/do_update");
+  clock.Advance(seconds(1));
+  PassReboot();
+  AwaitEnd();
+  EXPECT_NE(TakeTraces().find("ZQUtil could not copy /tmp/app-1.tgz to /updates\n"), std::string::npos);
+  EXPECT_EQ(server.Waiting(), 0U);
+  EXPECT_EQ(StoredKey("upack.key"), "<none>");
+}
+
 TEST_F(UpdateDownloadTest, DevicesThatCannotInstallDoNotDownload) {
   Start();
   const std::pair<const char*, const char*> devices[] = {{"1", "2"}, {"1", "5"}, {"-1", "4"}, {"-1", "2"},
@@ -312,9 +319,7 @@ TEST_F(UpdateDownloadTest, AnEncryptedPackageIsDecryptedBeforeItIsInstalled) {
   Start();
   Device("0", "2");
   WriteFile("/tmp/packed/plain", std::string(5000, 'p'));
-  const ProgramResult result = RunProgram(
-      {"openssl", "enc", "-e", "-bf-cbc", "-provider", "legacy", "-provider", "default", "-K",
-       Hex(kUpdateKey), "-iv", Hex(kUpdateIv), "-in", "/tmp/packed/plain", "-out", "/tmp/packed/cipher"});
+  const ProgramResult result = RunProgram(OpenSslWords("-e", "/tmp/packed/plain", "/tmp/packed/cipher"));
   ASSERT_EQ(result.status, 0) << result.errors;
   packages.AnswerBody(ReadFile("/tmp/packed/cipher"));
   WriteFile("/tmp/app-2.1.tgz", "an old one");
