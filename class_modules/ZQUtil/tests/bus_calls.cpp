@@ -22,7 +22,7 @@ std::string g_calls;
 constexpr int kDescriptors = 1024;
 std::atomic<const char*> g_open[kDescriptors];  // path by descriptor
 std::atomic<long> g_reads = 0;
-void (*g_atSelection)() = nullptr;
+std::atomic<void (*)()> g_atSelection = nullptr;
 std::atomic<bool> g_refuseLevels = false;
 
 void Note(const std::string& line) {
@@ -105,7 +105,7 @@ RECORDED int ioctl(int descriptor, unsigned long request, ...) noexcept {
   va_end(rest);
   if (request == I2C_SLAVE) {
     Note("select " + std::to_string(reinterpret_cast<unsigned long>(argument)));
-    if (const auto action = std::exchange(g_atSelection, nullptr)) action();
+    if (const auto action = g_atSelection.exchange(nullptr)) action();
   }
   if (request == I2C_SMBUS) {
     const auto& transfer = *static_cast<const i2c_smbus_ioctl_data*>(argument);

@@ -255,6 +255,12 @@ TEST_F(VolumesAndScreenTest, DimModeIsOnForTrueInAnyCaseOnly) {
   Settle();
   EXPECT_EQ(StoredSetting("autolight"), "false");
   EXPECT_EQ(Set("setDimMode", S("tRue"), "getDimMode"), "TRUE");
+  for (const char* other : {"trueish", "tru", " true", "true ", "1", ""}) {
+    EXPECT_EQ(Set("setDimMode", S(other), "getDimMode"), "FALSE") << other;
+    Answer("setDimMode", {S("true")});
+  }
+  EXPECT_EQ(Set("setDimMode", N(1), "getDimMode"), "FALSE");
+  Answer("setDimMode", {S("true")});
   Answer("setDimMode");
   Answer("setDimMode", {ZQ_VALUE_NULL});
   EXPECT_EQ(Answer("getDimMode"), "TRUE");
