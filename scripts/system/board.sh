@@ -6,8 +6,8 @@
 JOIN_SECONDS=20
 DHCP_SECONDS=30
 # Seconds from an address by DHCP to the end of a network restart. The screens look once a second while the restart goes
-# on: an address that came with its end would not be told of.
-SETTLE_SECONDS=2
+# on, and takes three looks from the network to its address: one that came with the end would not be told of.
+SETTLE_SECONDS=3
 # Where process ids and settings of running clients are kept; gone after a reboot.
 RUN_DIR=/run/zq
 

@@ -130,6 +130,11 @@ for bad in '' nonsense '1.2.3' '-4' '1.2.3.4; touch /tmp/bad' '$(touch /tmp/bad)
 done
 same "no value runs" '' "$(ls -d "$device"/tmp/bad 2>/dev/null)"
 
+# While the answer is awaited the radio has an address that needs no server.
+cat >> "$folder/board.sh" <<EOF
+wait_ms() { cp "\$hw/ra0/link.ini" "$folder/meanwhile"; }
+EOF
+
 # wifi NAME KEY: keys of a network by DHCP.
 wifi() {
   keys net.wifi YES net.dhcp YES net.essid "$1" net.key "$2" net.authtype WPA2PSK net.enctype AES
@@ -138,7 +143,14 @@ fresh
 wifi Lindenhof quittenbaum
 restart
 same "joins a network that is in the air" "$joined" "$(state)"
+same "which has an address of its own meanwhile" "associated = yes
+ip = 169.254.17.1
+netmask = 255.255.0.0" "$(sed '/^.dhcp/q' "$folder/meanwhile" | grep -e '^associated' -e '^ip' -e '^netmask')"
 same "and says which" 'essid = Lindenhof' "$(grep '^essid' "$device/hw/ra0/link.ini")"
+edit hw/ra0/link.ini 's/^answers = .*/answers = no/'
+restart
+same "without an answer it has none" "eth0 down${newline}ra0 up" "$(state)"
+edit hw/ra0/link.ini 's/^answers = .*/answers = yes/'
 wifi Lindenhof wrong-one
 restart
 same "not with another key" "$nothing" "$(state)"

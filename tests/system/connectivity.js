@@ -1,0 +1,19 @@
+// Sets a network up as the words say, and prints what the listener hears until the story ends.
+const util = new ZQUtil();
+let heard = [];
+const end = (name) => ['onConnectSuccess', 'onConnectFailure', 'onFailedAssociation'].includes(name);
+const listener = {};
+for (const name of ['onAssociation', 'onFailedAssociation', 'onBeginDHCP', 'onDoneDHCP', 'onBeginConnectivityCheck', 'onConnectSuccess', 'onConnectFailure']) {
+  listener[name] = () => {
+    heard.push(name);
+    if (!end(name)) return;
+    print(heard.join(' '));
+    print(util.getIP(), util.getSubnetMask(), util.getGateway(), util.getPrimaryDNS());
+    exit(0);
+  };
+}
+util.registerConnectivityListener(listener);
+setTimeout(() => {
+  print('still waiting after', heard.join(' '));
+  exit(3);
+}, 60000);
