@@ -74,6 +74,59 @@ class ReferenceTest(unittest.TestCase):
         self.assertEqual((done.returncode, done.stderr), (0, ""))
 
 
+class ExampleTest(unittest.TestCase):
+    def run_example(self, name, prepare=""):
+        """Its lines on a fresh home-phone, after a shell command in the device's folder."""
+        with tempfile.TemporaryDirectory(prefix="docs-test-") as folder:
+            device = os.path.join(folder, "device")
+            subprocess.run([os.path.join(PROGRAMS, "zqsim"), "create", device], check=True, capture_output=True)
+            subprocess.run(["sh", "-ec", prepare], cwd=device, check=True)
+            done = subprocess.run([os.path.join(PROGRAMS, "sorel"), "--device", device,
+                                   os.path.join(ROOT, "examples", name)], capture_output=True, text=True, check=False,
+                                  timeout=PATIENCE, cwd=folder)
+        return done.returncode, [line for line in done.stdout.splitlines() if not line.startswith("Checking For ")]
+
+    def test_settings_screen_obeys_its_keys(self):
+        self.assertEqual(self.run_example("settings.js"), (0, [
+            "before",
+            " > Brightness         ########## 100",
+            "   Contrast           #......... 2",
+            "   Volume             ########.. 75",
+            "   Follow the light   [ ]",
+            "   24 hours           [ ]",
+            "   Time from the net  [x]",
+            "   Time zone          (GMT-05:00) Eastern Time (US & Canada)",
+            "",
+            "after some keys",
+            "   Brightness         ########.. 80",
+            "   Contrast           ##........ 3",
+            "   Volume             #######... 70",
+            "   Follow the light   [x]",
+            "   24 hours           [x]",
+            "   Time from the net  [x]",
+            " > Time zone          (GMT-05:00) Indiana (East)"]))
+
+    def test_wireless_chooser_joins_the_network_that_it_knows(self):
+        nobody = "printf '[config]\\nhost = localhost\\nsslport = 1\\n' > zqapplog.ini"
+        self.assertEqual(self.run_example("wifi.js", nobody), (0, [
+            "looking for networks",
+            "  ||||| Lindenhof            WPA-PSK WPA2",
+            "  ||||. Cafe Anna            open",
+            "  |||.. Werkstatt            WPA-PSK WPA2",
+            "  ||... Altes Netz           WEP None",
+            "joining Lindenhof",
+            "... joined",
+            "... asking for an address",
+            "... looking for the Internet",
+            "joined, but the update server is not there",
+            "address 192.0.2.58, gateway 192.0.2.1"]))
+
+    def test_wireless_chooser_says_when_the_password_is_wrong(self):
+        changed = "sed -i 's/^password = quittenbaum/password = another/' hw/ra0/cells.ini"
+        status, lines = self.run_example("wifi.js", changed)
+        self.assertEqual((status, lines[-3:-1]), (1, ["joining Lindenhof", "could not join: is the password right?"]))
+
+
 class SnippetTest(unittest.TestCase):
     def test_there_are_snippets(self):
         self.assertGreater(len(all_snippets()), 5)
@@ -104,7 +157,8 @@ class SnippetTest(unittest.TestCase):
 
     def test_every_snippet_compiles_against_the_typings(self):
         options = {"noEmit": True, "strict": True, "noImplicitAny": False, "useUnknownInCatchVariables": False,
-                   "allowJs": True, "checkJs": True, "target": "es2022", "lib": ["es2022"], "types": [], "moduleDetection": "force"}
+                   "allowJs": True, "checkJs": True, "target": "es2022", "lib": ["es2022"], "types": [],
+                   "moduleDetection": "force"}
         with tempfile.TemporaryDirectory(prefix="docs-test-") as folder:
             names = []
             for snippet in all_snippets():

@@ -130,6 +130,13 @@ class UpdateTest(EndToEndTest):
         self.assertIn("deviceid=1\n", support.read(os.path.join(self.device, "zqutil.ini")))
         self.assertEqual(self.script(CHECK), ["reached", "0"])
 
+    def test_update_screen_of_the_examples_takes_what_is_offered(self):
+        self.offer("")
+        said = self.script(support.read(os.path.join(support.ROOT, "examples", "update.js")))
+        self.assertEqual(said[1:], ["asking for updates; Ctrl-C ends", "update 7: Hello", "[" + "#" * 20 + "] 100 %",
+                                    "installing; do not switch the device off"])
+        self.assertTrue(self.installed())
+
     def test_forced_encrypted_update_installs_itself(self):
         self.offer("forced = yes\n", "--encrypt")
         self.assertEqual(self.script(LISTEN), ["forced", "downloading 100", "installing"])
