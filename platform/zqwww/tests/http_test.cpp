@@ -284,19 +284,20 @@ TEST_F(HttpTest, DestroyingEndsAConnectionThatIsBeingMade) {
 TEST_F(HttpTest, DestroyingWaitsForACallbackUnderWay) {
   TestServer server(Ok("x"));
   std::promise<void> inside;
-  std::promise<void> leave;
+  std::promise<void> destroying;
   std::atomic<bool> left = false;
   auto download = std::make_unique<Download>();
   download->onConnected = [&] {
     inside.set_value();
-    leave.get_future().wait();
+    destroying.get_future().wait();
+    // Long enough for a destructor that does not wait to return.
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
     left = true;
   };
   ASSERT_EQ(download->Begin(Url("http", server.Port())), 0);
   inside.get_future().wait();
-  std::thread destroyer([&] { download.reset(); });
-  leave.set_value();
-  destroyer.join();
+  destroying.set_value();
+  download->close();
   EXPECT_TRUE(left);
 }
 

@@ -15,6 +15,10 @@
 namespace {
 
 constexpr int kTcp = 6;
+
+// What the system's OpenSSL permits is not what refuses old protocols here.
+const bool g_lenient = setenv("OPENSSL_CONF", LENIENT_OPENSSL_CONF, 1) == 0;
+
 constexpr char kPlaceholder[] = "https://00/zqapplog/updateReq?mac=a%20b";
 
 using testing::ElementsAre;
@@ -318,6 +322,10 @@ TEST_F(SslHttpTest, TheLibrarysOwnProxyVariablesAreNotRead) {
   const EnvironmentSetting https("https_proxy", "http://127.0.0.1:1");
   const EnvironmentSetting all("ALL_PROXY", "http://127.0.0.1:1");
   EXPECT_EQ(GetFrom(server), "direct");
+  TestServer proxy(Ok("tunnelled"), {.identity = &Server(), .tunnel = true});
+  const EnvironmentSetting set("http_proxy", ("http://127.0.0.1:" + std::to_string(proxy.Port())).c_str());
+  const EnvironmentSetting none("NO_PROXY", "*");
+  EXPECT_EQ(GetFrom(server), "tunnelled");
 }
 
 TEST_F(SslHttpTest, AServerThatHangsUpWhileItIsToldMuchDoesNotEndTheProcess) {
