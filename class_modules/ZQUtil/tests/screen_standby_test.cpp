@@ -1,5 +1,4 @@
 // Standby on each answer that an X server can give: what the server is asked, in order, and what is traced.
-#include <X11/Xlib.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -17,6 +16,8 @@
 #include "module_fixture.h"
 #include "temp_dir.h"
 #include "x_server.h"
+// After GoogleTest, whose names its macros would change.
+#include <X11/Xlib.h>
 
 namespace {
 
