@@ -50,7 +50,7 @@ uint16_t MeasureLight() {
 void TakeTransferTime() {
   const uint32_t us = transferUs;
   if (us == 0) return;
-  const timespec time{us / 1000000, static_cast<long>(us % 1000000) * 1000};
+  const timespec time{static_cast<time_t>(us / 1000000), static_cast<long>(us % 1000000) * 1000};
   syscall(SYS_nanosleep, &time, nullptr);
 }
 

@@ -108,8 +108,8 @@ void Put(const char* place, std::string_view text, int64_t sourceAt) {
   if (file < 0) return;
   const bool whole = syscall(SYS_write, file, text.data(), text.size()) == static_cast<long>(text.size());
   const int64_t at = sourceAt - 1;
-  const timespec times[2] = {{at / 1'000'000'000, at % 1'000'000'000},
-                             {at / 1'000'000'000, at % 1'000'000'000}};
+  const timespec time = {static_cast<time_t>(at / 1'000'000'000), static_cast<long>(at % 1'000'000'000)};
+  const timespec times[2] = {time, time};
   syscall(SYS_utimensat, file, nullptr, times, 0);
   syscall(SYS_close, file);
   if (!whole || syscall(SYS_renameat2, AT_FDCWD, draft, AT_FDCWD, place, 0) != 0) {
