@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 
+#include "CipherLibrary.h"
 #include "DownloadDetails.h"
 #include "InstallRule.h"
 #include "UpdateKey.h"
@@ -136,6 +137,7 @@ void DecryptInto(DownloadDetails& details, int in, int out, const std::string& o
 
 void ZQUtil::update_decrypt(int in, int out) {
   ZQUTIL_TRACE("In update_decrypt\n");
+  if (!LoadCipherLibrary()) return;
   Blowfish cipher;
   if (!cipher.Begin()) {
     ZQUTIL_TRACE("ZQUtil cannot decrypt: no Blowfish in this OpenSSL, whose legacy provider it needs\n");

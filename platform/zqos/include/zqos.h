@@ -5,6 +5,7 @@
 #include "zq_clock.h"
 #include "zq_file.h"
 #include "zq_ini.h"
+#include "zq_lazy_library.h"
 #include "zq_list.h"
 #include "zq_memory.h"
 #include "zq_msgq.h"

@@ -2,7 +2,11 @@
 #ifndef ZQWWW_LIBRARIES_H
 #define ZQWWW_LIBRARIES_H
 
-// Counted. Any thread.
+// Counted: each of the first two is paired with one ReleaseLibraries. Any thread.
+//
+// Keeps what is ready ready; makes nothing ready itself.
+void AddLibrariesUser();
+// Loads and prepares what is not yet. False when it cannot be.
 bool AcquireLibraries();
 void ReleaseLibraries();
 

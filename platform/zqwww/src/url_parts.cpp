@@ -7,6 +7,8 @@
 #include <memory>
 #include <string_view>
 
+#include "transport_library.h"
+
 namespace {
 
 constexpr size_t kMaxUrl = 4096;
@@ -34,7 +36,7 @@ std::optional<bool> TlsByScheme(const std::string& text) {
 
 class Url {
  public:
-  Url() : handle_(curl_url(), curl_url_cleanup) {}
+  Url() : handle_(LoadTransport() ? curl_url() : nullptr) {}
 
   bool Set(const std::string& text) {
     constexpr unsigned int kFlags = CURLU_DISALLOW_USER | CURLU_URLENCODE | CURLU_ALLOW_SPACE;
@@ -50,7 +52,10 @@ class Url {
   }
 
  private:
-  std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> handle_;
+  struct Closer {
+    void operator()(CURLU* url) const { curl_url_cleanup(url); }
+  };
+  std::unique_ptr<CURLU, Closer> handle_;
 };
 
 // The library converts the escapes of a host; what comes out must still be one.

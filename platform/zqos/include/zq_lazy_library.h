@@ -1,0 +1,36 @@
+// A library that is loaded by its first use: for one that is big and seldom needed, whose functions the user defines
+// himself, under their own names, to pass on.
+#ifndef ZQ_LAZY_LIBRARY_H
+#define ZQ_LAZY_LIBRARY_H
+
+#ifdef __cplusplus
+#include <atomic>
+
+#include "zq_api.h"
+
+class ZQ_API zq_LazyLibrary {
+ public:
+  // The name that programs built against it load; not copied.
+  constexpr explicit zq_LazyLibrary(const char* name) : name_(name) {}
+  zq_LazyLibrary(const zq_LazyLibrary&) = delete;
+  zq_LazyLibrary& operator=(const zq_LazyLibrary&) = delete;
+
+  // Loads it, once and for the process's life. False, with a trace, when it cannot be. Any thread.
+  bool Load();
+  // To be asked for after Load: ends the process, with a trace, when the library or the symbol is missing. Any thread.
+  void* Symbol(const char* symbol);
+
+ private:
+  const char* const name_;
+  std::atomic<void*> handle_ = nullptr;
+};
+
+// Defines a function of the library that passes on: result, name, parameters and arguments in parentheses.
+#define ZQ_PASS_ON(library, result, function, parameters, arguments)                                \
+  result function parameters {                                                                      \
+    static auto* const real = reinterpret_cast<decltype(&(function))>((library).Symbol(#function)); \
+    return real arguments;                                                                          \
+  }
+
+#endif
+#endif
