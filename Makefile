@@ -20,10 +20,11 @@ deps:
 build: deps  ## build everything (build/bin, build/lib)
 	@scripts/build-preset.sh release
 
-run: deps  ## run the example script on a simulated home-phone in ./device
+run: deps  ## run the first script and the tour on simulated home-phones, in ./device and ./device-tour
 	@scripts/build-preset.sh release --target product
 	@build/bin/sorel --device $(DEVICE) examples/first.js
 	@scripts/show-device.sh $(DEVICE)
+	@tools/tour $(DEVICE)-tour
 
 test: lint test-release test-asan test-tsan test-clang  ## everything: lint, both compilers, all tests, sanitizers
 	@scripts/run-ctest.sh build

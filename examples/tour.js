@@ -1,14 +1,14 @@
-// A tour of the class: calls every one of its methods once and more, and shows what came back.
+// A tour of the class: calls its methods, once and more, and shows what came back.
 //
 //   build/bin/sorel --device device examples/tour.js
 //
-// tools/tour runs it too, and shows below each call what changed on the device.
+// tools/tour runs it too, shows below each call what changed on the device, and ends with factoryReset.
 
 const util = new ZQUtil();
 
 // Longer answers are cut in the middle.
 const WIDTH = 100;
-// Writes happen behind the script's back; this long after a call its files are there.
+// Writes happen behind the script's back; this many milliseconds after a call its files are there.
 const SETTLE = 80;
 
 function shown(value) {
@@ -30,7 +30,7 @@ const networks = listener('listener', 'onSSIDList');
 const updates = listener('listener', 'forcedUpdateAvailable', 'onDownloading', 'onInstalling', 'onDownloadFailed');
 const about = listener('listener', 'onResult');
 
-// [method, arguments...] in the order of the tour; a number alone waits so many milliseconds.
+// [method, arguments...] in the order of the tour; a number waits for what the call before it sets going.
 const starts = Number(util.getIniSetting('tour', 'starts', '0')) + 1;
 const steps = [
   ['GetVersion'], ['isTablet'], ['batteryPct'], ['chargeStatus'],
@@ -38,7 +38,7 @@ const steps = [
   ['getIniSetting', 'tour', 'starts', '0'], ['setIniSetting', 'tour', 'starts', String(starts)],
   ['writeFile', 'greeting.txt', `Hello, this was start ${starts}.\n`],
   ['writeFile', 'passing.txt', 'soon gone'], ['deleteFile', 'passing.txt'],
-  ['setIniSetting', 'passing', 'key', 'value'], ['deleteIniFile', 'passing'],
+  ['setIniSetting', 'passing', 'key', 'value'], ['deleteIniFile', 'passing', ''],
   ['utf8Encode', 'caf\u00e9'], ['getFirstTime'], ['setFirstTime', 'no'],
 
   ['getPhoneVolume'], ['setPhoneVolume', 40], ['MutePhone'], ['UnmutePhone'], ['getMediaVolume'],
@@ -57,11 +57,11 @@ const steps = [
   ['backgroundGetESSIDList', networks], 1000,
 
   ['registerConnectivityListener', connectivity],
-  ['setWirelessNetworkDHCP', 'Home', 'WPA2PSK', 'AES', 'WPA', 'correct horse', '0', 'WPA2'], 6000,
+  ['setWirelessNetworkDHCP', 'Lindenhof', 'WPA2PSK', 'AES', 'WPA', 'quittenbaum', '0', 'WPA2'], 7000,
   ['getConfiguredESSID'], ['getConfiguredESSIDListed'], ['getESSID'], ['getWirelessSecurity'], ['getSignalStrength'],
   ['getIP'], ['checkConnectivity'], 1000,
-  ['setWirelessNetworkStatic', '192.168.1.77', '255.255.255.0', '192.168.1.1', '8.8.8.8', '192.168.1.1', 'Home',
-   'WPA2PSK', 'AES', 'WPA', 'correct horse', '0', 'WPA2'], 5000,
+  ['setWirelessNetworkStatic', '192.168.1.77', '255.255.255.0', '192.168.1.1', '8.8.8.8', '192.168.1.1', 'Lindenhof',
+   'WPA2PSK', 'AES', 'WPA', 'quittenbaum', '0', 'WPA2'], 5000,
   ['setWiredNetworkStatic', '10.0.0.7', '255.0.0.0', '10.0.0.1', '10.0.0.2', '10.0.0.1'], 5000,
   ['setWiredNetworkDHCP'], 5000, ['getProxy'], ['setProxy', 'proxy.example:3128'], ['getProxyEnabled'],
   ['setProxyEnabled', 'yes'], ['setProxyEnabled', 'no'],
@@ -76,25 +76,19 @@ const forgotten = Object.getOwnPropertyNames(Object.getPrototypeOf(util))
   .filter(name => name !== 'constructor' && name !== 'factoryReset' && !called.has(name));
 if (forgotten.length > 0) throw new Error(`the tour leaves out ${forgotten.join(', ')}`);
 
-// The last one, because nothing is left after it.
-steps.push(['factoryReset'], 2000);
-
 const pause = milliseconds => new Promise(done => setTimeout(done, milliseconds));
+const described = value => typeof value === 'object' ? String(value) : shown(value);
 
 async function walk() {
-  for (const step of steps) {
-    if (!Array.isArray(step)) {
-      await pause(step);
-      continue;
-    }
+  for (const [index, step] of steps.entries()) {
+    if (!Array.isArray(step)) continue;
     const [method, ...values] = step;
     const result = util[method](...values);
-    await pause(SETTLE);
-    const call = `${method}(${values.map(value => typeof value === 'object' ? String(value) : shown(value)).join(', ')})`;
-    print(`${call.padEnd(46)} ${shown(result)}`.trimEnd());
+    await pause(Array.isArray(steps[index + 1]) ? SETTLE : steps[index + 1] ?? SETTLE);
+    print(`${`${method}(${values.map(described).join(', ')})`.padEnd(46)} ${shown(result)}`.trimEnd());
     await pause(SETTLE / 2);
   }
-  print(`The end of the tour, start ${starts}: ${called.size + 1} methods.`);
+  print(`The end of the tour: ${called.size} methods. factoryReset() would take all of it back.`);
   exit(0);
 }
 
