@@ -76,7 +76,8 @@ ZQ_PASS_ON(g_ssl, X509_STORE*, SSL_CTX_get_cert_store, (const SSL_CTX* context),
 ZQ_PASS_ON(g_ssl, int, SSL_get_shutdown, (const SSL* session), (session))
 ZQ_PASS_ON(g_crypto, int, X509_STORE_load_file, (X509_STORE * store, const char* file), (store, file))
 ZQ_PASS_ON(g_crypto, int, X509_STORE_load_path, (X509_STORE * store, const char* path), (store, path))
-ZQ_PASS_ON(g_crypto, int, X509_STORE_set_default_paths, (X509_STORE * store), (store))
+ZQ_PASS_ON(g_crypto, const char*, X509_get_default_cert_dir, (), ())
+ZQ_PASS_ON(g_crypto, const char*, X509_get_default_cert_file, (), ())
 ZQ_PASS_ON(g_crypto, void, ERR_clear_error, (), ())
 
 }  // extern "C"
