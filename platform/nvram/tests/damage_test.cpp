@@ -22,7 +22,8 @@ class NvramDamageTest : public NvramTest {
   // Each way a copy can be bad, by name.
   static std::vector<std::pair<std::string, std::function<void(const std::string&)>>> Damages() {
     std::vector<std::pair<std::string, std::function<void(const std::string&)>>> all;
-    for (const size_t length : {0UL, 1UL, 3UL, 4UL, 5UL, 6UL, 100UL, kCopySize / 2, kCopySize - 1}) {
+    for (const size_t length :
+         std::initializer_list<size_t>{0, 1, 3, 4, 5, 6, 100, kCopySize / 2, kCopySize - 1}) {
       all.emplace_back("cut to " + std::to_string(length),
                        [length](const std::string& path) { std::filesystem::resize_file(path, length); });
     }
@@ -32,7 +33,7 @@ class NvramDamageTest : public NvramTest {
                      [](const std::string& path) { WriteFile(path, std::string(kCopySize, '\xff')); });
     all.emplace_back("missing", [](const std::string& path) { std::filesystem::remove(path); });
     // Checksum, first key, value, the zeroes behind the texts, the last byte.
-    for (const size_t byte : {0UL, 3UL, 5UL, 9UL, 1000UL, kCopySize - 1}) {
+    for (const size_t byte : std::initializer_list<size_t>{0, 3, 5, 9, 1000, kCopySize - 1}) {
       all.emplace_back("flipped at " + std::to_string(byte), [byte](const std::string& path) {
         std::string bytes = ReadFile(path);
         bytes[byte] = static_cast<char>(bytes[byte] ^ 0x10);
