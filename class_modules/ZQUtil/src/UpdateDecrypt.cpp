@@ -1,9 +1,6 @@
 #include "UpdateDecrypt.h"
 
 #include <fcntl.h>
-#include <openssl/crypto.h>
-#include <openssl/evp.h>
-#include <openssl/provider.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,10 +10,9 @@
 #include <memory>
 #include <string>
 
-#include "CipherLibrary.h"
 #include "DownloadDetails.h"
 #include "InstallRule.h"
-#include "UpdateKey.h"
+#include "UpdateCipher.h"
 #include "ZQUtil.h"
 #include "ZQUtilTrace.h"
 
@@ -25,53 +21,6 @@ namespace {
 // What is decrypted at a time, and room for that and one block more.
 constexpr int kPieceBytes = 1024;
 constexpr int kDecryptedBytes = 1056;
-
-template <auto Free>
-struct Freeing {
-  template <typename Object>
-  void operator()(Object* object) const {
-    Free(object);
-  }
-};
-template <typename Object, auto Free>
-using Owned = std::unique_ptr<Object, Freeing<Free>>;
-
-// The ciphers in a context of their own: the host's and other modules' OpenSSL stays as it is.
-class Blowfish {
- public:
-  Blowfish()
-      : library_(OSSL_LIB_CTX_new()),
-        base_(OSSL_PROVIDER_load(library_.get(), "default")),
-        legacy_(OSSL_PROVIDER_load(library_.get(), "legacy")),
-        cipher_(legacy_ != nullptr ? EVP_CIPHER_fetch(library_.get(), "BF-CBC", nullptr) : nullptr),
-        context_(EVP_CIPHER_CTX_new()) {}
-
-  // False when this OpenSSL has no Blowfish.
-  bool Begin() {
-    if (cipher_ == nullptr || context_ == nullptr) return false;
-    uint8_t key[kUpdateKey.size()];
-    uint8_t iv[kUpdateIv.size()];
-    for (size_t i = 0; i < sizeof key; ++i) key[i] = kUpdateKey[i];
-    for (size_t i = 0; i < sizeof iv; ++i) iv[i] = kUpdateIv[i];
-    const bool begun = EVP_DecryptInit_ex2(context_.get(), cipher_.get(), key, iv, nullptr) == 1;
-    OPENSSL_cleanse(key, sizeof key);
-    OPENSSL_cleanse(iv, sizeof iv);
-    return begun;
-  }
-  bool Update(unsigned char* out, int* outLength, const unsigned char* in, int length) {
-    return EVP_DecryptUpdate(context_.get(), out, outLength, in, length) == 1;
-  }
-  bool Final(unsigned char* out, int* outLength) {
-    return EVP_DecryptFinal_ex(context_.get(), out, outLength) == 1;
-  }
-
- private:
-  const Owned<OSSL_LIB_CTX, OSSL_LIB_CTX_free> library_;
-  const Owned<OSSL_PROVIDER, OSSL_PROVIDER_unload> base_;
-  const Owned<OSSL_PROVIDER, OSSL_PROVIDER_unload> legacy_;
-  const Owned<EVP_CIPHER, EVP_CIPHER_free> cipher_;
-  const Owned<EVP_CIPHER_CTX, EVP_CIPHER_CTX_free> context_;
-};
 
 // A file piece by piece, read in larger ones: half of the system calls are saved.
 class PieceReader {
@@ -137,8 +86,7 @@ void DecryptInto(DownloadDetails& details, int in, int out, const std::string& o
 
 void ZQUtil::update_decrypt(int in, int out) {
   ZQUTIL_TRACE("In update_decrypt\n");
-  if (!LoadCipherLibrary()) return;
-  Blowfish cipher;
+  UpdateCipher cipher;
   if (!cipher.Begin()) {
     ZQUTIL_TRACE("ZQUtil cannot decrypt: no Blowfish in this OpenSSL, whose legacy provider it needs\n");
     return;

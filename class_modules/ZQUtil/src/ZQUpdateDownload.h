@@ -4,7 +4,7 @@
 //   downloading -> complete    the last byte is on the disk: decrypted, installed, acknowledged (ZQUpdateInstall.h)
 //   any -> idle                the record is cleared, the packages in /tmp are removed
 //
-// The callbacks come on the HTTP library's thread. Once more than five updates were offered and none of them made the
+// The callbacks (HttpDownload.cpp) come on the HTTP library's thread. Once more than five updates were offered and none of them made the
 // device restart, the end of a download reboots it and ends the process.
 #ifndef ZQUTIL_ZQUPDATEDOWNLOAD_H
 #define ZQUTIL_ZQUPDATEDOWNLOAD_H
