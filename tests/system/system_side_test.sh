@@ -47,6 +47,16 @@ same "without the system a request stays" do_S12 "$answer"
 answer=$(system "$await_file; until_there /tmp/done_S12; ls /tmp")
 same "one that was there before is served" done_S12 "$answer"
 
+# Asked again while it is at work, the network is restarted again, and each end is told.
+sed -i 's/^delay_ms = .*/delay_ms = 400/' "$device/hw/eth0.ini"
+rm -f "$device/tmp/done_S12"
+system "$await_file
+  printf 1 > /tmp/do_S12; until_gone /tmp/do_S12
+  printf 1 > /tmp/do_S12; until_there /tmp/done_S12; rm /tmp/done_S12; until_there /tmp/done_S12; rm /tmp/done_S12
+  ! [ -e /tmp/do_S12 ]"
+same "a request while one is served is served after it" 0 $?
+sed -i 's/^delay_ms = .*/delay_ms = 0/' "$device/hw/eth0.ini"
+
 for status in 0 1 9 127; do
   system "exit $status"
   same "the program's status" "$status" $?
