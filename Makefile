@@ -26,8 +26,15 @@ run: deps  ## run the first script and the tour on simulated home-phones, in ./d
 	@scripts/show-device.sh $(DEVICE)
 	@tools/tour $(DEVICE)-tour
 
+# make ABI=i386 test: the module and the platform libraries by the device's 32-bit word.
+ifdef ABI
+test: deps
+	@scripts/install-packages.sh $(ABI)
+	@scripts/test-preset.sh $(ABI)
+else
 test: lint test-release test-asan test-tsan test-clang  ## everything: lint, both compilers, all tests, sanitizers
 	@scripts/run-ctest.sh build
+endif
 
 quick: build  ## the tests that take seconds
 	@scripts/run-ctest.sh build -LE slow
@@ -65,4 +72,4 @@ format: deps  ## rewrite the sources in the house's format
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
 clean:
-	rm -rf build build-asan build-tsan build-clang build-coverage build-fuzz build-package
+	rm -rf build build-asan build-tsan build-clang build-coverage build-fuzz build-package build-i386

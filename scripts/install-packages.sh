@@ -1,7 +1,9 @@
 #!/bin/sh
-# Installs the packages of packages.txt that are missing; silent and quick when none is.
+# Installs the packages of packages.txt that are missing; silent and quick when none is. With an architecture, those of
+# packages-ARCHITECTURE.txt.
 set -eu
-list=$(dirname "$0")/packages.txt
+abi=${1:-}
+list=$(dirname "$0")/packages${abi:+-$abi}.txt
 wanted=$(sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$list")
 missing=
 for package in $wanted; do
@@ -28,6 +30,7 @@ if [ ! -e "$policy" ]; then
   $root chmod 755 "$policy"
 fi
 
+[ -z "$abi" ] || $root dpkg --add-architecture "$abi"
 $root apt-get update -qq
 # One word a package is meant here.
 # shellcheck disable=SC2086
