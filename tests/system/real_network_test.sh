@@ -146,6 +146,30 @@ same "and it says so" 'S12network: eth0: not connected' "$(grep S12network "$fol
 gone() { ! kill -0 "$client" 2>/dev/null; }
 await 5 gone || same "the client of before is gone" gone there
 
+# The radio, in a network of its own. What it joins with notes the address that it had when the client asked.
+sed "s/far/radio/; s/192\.0\.2\./198.51.100./g" "$folder/udhcpd.conf" > "$folder/radio.conf"
+ip -n there addr add 198.51.100.1/24 dev radio
+ip netns exec there udhcpd -f "$folder/radio.conf" > "$folder/udhcpd.log" 2>&1 &
+cat > "$folder/asked" <<EOF
+#!/bin/sh
+ip -4 -o addr show dev ra0 | sed -n "s/.*inet \\([^ ]*\\).*/\$1 \\1/p" >> "$folder/meanwhile"
+exec "$scripts/udhcpc-event.real" "\$@"
+EOF
+mv "$scripts/udhcpc-event" "$scripts/udhcpc-event.real"
+mv "$folder/asked" "$scripts/udhcpc-event"
+chmod +x "$scripts/udhcpc-event"
+ip link set ra0 address 02:00:00:00:10:01
+set_keys net.wifi YES
+restart
+same "the radio by DHCP" "eth0 down
+ra0 up 198.51.100.100/24
+default via 198.51.100.1 dev ra0
+nameserver 198.51.100.1
+nameserver 198.51.100.3" "$(state)"
+same "with an address that needs no server until then" "deconfig 169.254.17.1/16
+bound 169.254.17.1/16" "$(cat "$folder/meanwhile")"
+kill "$(cat "$folder/udhcpd.pid")" "$(cat "$folder/run/dhcp-ra0.pid")"
+
 ip netns del there
 umount "$folder/build"
 exit "$failed"
