@@ -196,7 +196,8 @@ declare class ZQUtil {
   /**
    * Looks for wireless networks while the script goes on.
    * @param listener its `onSSIDList` is called once, when `getCachedESSIDList` has the new list; without one, the
-   *   listener that still waits is forgotten
+   *   listener that still waits is forgotten. Give the next one when `onSSIDList` has returned, with a timer for
+   *   example: one that is given meanwhile is forgotten with the one that was called
    * @throws when `listener` is no object
    */
   backgroundGetESSIDList(listener?: ZQESSIDListener | null): void;
