@@ -10,6 +10,11 @@ state_file() {
   if [ "$1" = ra0 ]; then echo "$hw/ra0/link.ini"; else echo "$hw/$1.ini"; fi
 }
 
+# An interface whose file a person has taken away is none, whatever is left of it elsewhere.
+has_interface() {
+  [ -f "$(state_file "$1")" ]
+}
+
 # setting FILE SECTION KEY: the last value of the key in the section, on standard output.
 setting() {
   section=$2 key=$3 awk '

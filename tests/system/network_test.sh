@@ -193,10 +193,11 @@ done
 same "no name runs" '' "$(ls -d "$device"/tmp/bad 2>/dev/null)"
 
 fresh
-rm -r "$device/hw/ra0" "$device/sys/class/net/ra0"
+rm "$device/hw/ra0/link.ini"
 wifi Lindenhof quittenbaum
 restart
-same "without a radio" 'eth0 down' "$(state)"
+same "without a radio" "$nothing" "$(state)"
+same "which does not come back by that" cells.ini "$(ls "$device/hw/ra0")"
 same "and says so, too" 'S12network: there is no ra0' "$(errors)"
 
 fresh
