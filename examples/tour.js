@@ -32,6 +32,7 @@ const about = listener('listener', 'onResult');
 
 // [method, arguments...] in the order of the tour; a number waits for what the call before it sets going.
 const starts = Number(util.getIniSetting('tour', 'starts', '0')) + 1;
+/** @type {any[]} */
 const steps = [
   ['GetVersion'], ['isTablet'], ['batteryPct'], ['chargeStatus'],
 
@@ -83,7 +84,7 @@ async function walk() {
   for (const [index, step] of steps.entries()) {
     if (!Array.isArray(step)) continue;
     const [method, ...values] = step;
-    const result = util[method](...values);
+    const result = /** @type {any} */ (util)[method](...values);
     await pause(Array.isArray(steps[index + 1]) ? SETTLE : steps[index + 1] ?? SETTLE);
     print(`${`${method}(${values.map(described).join(', ')})`.padEnd(46)} ${shown(result)}`.trimEnd());
     await pause(SETTLE / 2);

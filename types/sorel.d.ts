@@ -19,7 +19,7 @@ declare const console: {
  * @param milliseconds from 1; what is less, or no number, is 1
  * @returns what `clearTimeout` takes
  */
-declare function setTimeout<A extends unknown[]>(callback: (...values: A) => void, milliseconds?: number, ...values: A): number;
+declare function setTimeout(callback: (...values: any[]) => void, milliseconds?: number, ...values: unknown[]): number;
 /** Forgets a timer; one that has fired, or never was, does no harm. */
 declare function clearTimeout(id?: number): void;
 /**
@@ -27,7 +27,7 @@ declare function clearTimeout(id?: number): void;
  * @param milliseconds from 1; what is less, or no number, is 1
  * @returns what `clearInterval` takes
  */
-declare function setInterval<A extends unknown[]>(callback: (...values: A) => void, milliseconds?: number, ...values: A): number;
+declare function setInterval(callback: (...values: any[]) => void, milliseconds?: number, ...values: unknown[]): number;
 /** Forgets a timer. */
 declare function clearInterval(id?: number): void;
 

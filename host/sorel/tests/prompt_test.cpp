@@ -75,7 +75,7 @@ TEST_F(Prompt, HelpIsGiven) {
 TEST_F(Prompt, TellsWhatAMethodDoes) {
   TerminalProgram& program = Start();
   program.Type(".help setTimeout\r");
-  EXPECT_TRUE(program.Await("setTimeout<A")) << program.Screen();
+  EXPECT_TRUE(program.Await("setTimeout(callback")) << program.Screen();
   EXPECT_TRUE(program.Await("Calls `callback` once.")) << program.Screen();
   program.Type(".help util.GETIP()\r");
   EXPECT_TRUE(program.Await("getIP(): string\r\n")) << program.Screen();
