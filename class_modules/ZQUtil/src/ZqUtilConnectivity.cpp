@@ -31,6 +31,10 @@ void ArmStep() {
   zq_TimerSet(ZQUtilMsgQHandle, kStepMs, kTimerNetworkStatus, 0, 0, 0, "Network Status Check Timer", false);
 }
 
+bool StepIsArmed() {
+  return zq_TimerTimeRemaining(ZQUtilMsgQHandle, kTimerNetworkStatus, 0, 0) != ZQ_TIMER_NOT_ARMED;
+}
+
 void ArmCheck() {
   zq_TimerSet(ZQUtilMsgQHandle, kCheckMs, kTimerSoftwareUpdate, 0, 0, 0, "Check Connectivity Timer", false);
 }
@@ -92,6 +96,15 @@ Reading Read(ZQUtil& util, int32_t state) {
   }
 }
 
+// False when the listener has restarted the network, as one does who hears that it failed: then the monitor begins afresh,
+// and the end of this step is none of its business.
+bool Tell(void* listener, const char* method) {
+  if (method == nullptr) return true;
+  const bool armed = StepIsArmed();
+  CallListener(listener, method);
+  return armed || !StepIsArmed();
+}
+
 // One row's work. True when the next state is to be looked at at once.
 bool Step(ZQUtil& util) {
   const int32_t state = util.network->connectionState;
@@ -101,14 +114,16 @@ bool Step(ZQUtil& util) {
                                                  reading.interfaces, util.interfaceWaits);
   if (!plan.trace.empty()) ZQUTIL_TRACE("%s", plan.trace.c_str());
   if (!plan.listenerTrace.empty()) ZQUTIL_TRACE("%s", plan.listenerTrace.c_str());
-  if (plan.method != nullptr) CallListener(listener, plan.method);
+  if (!Tell(listener, plan.method)) return false;
+  // A restart from another thread sets the state too, and what it sets stays.
+  int32_t before = state;
+  if (!util.network->connectionState.compare_exchange_strong(before, plan.state)) return false;
   if (plan.next == ConnectivityPlan::kWaitSecond) ++util.interfaceWaits;
   if (plan.next == ConnectivityPlan::kCheck) {
     util.connectivityReported = false;
     ArmCheck();
   }
   if (plan.next == ConnectivityPlan::kSecond || plan.next == ConnectivityPlan::kWaitSecond) ArmStep();
-  util.network->connectionState = plan.state;
   return plan.next == ConnectivityPlan::kAgain;
 }
 

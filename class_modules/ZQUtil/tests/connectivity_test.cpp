@@ -27,8 +27,16 @@ void Note(const std::string& event) {
   g_events += (g_events.empty() ? "" : ", ") + std::string(stamp) + event;
 }
 
+// What a listener does when it is called by that name, once.
+std::string g_reactsTo;
+void (*g_reaction)() = nullptr;
+
 int32_t NoteCall(void* listener, const char* method, uint32_t argc, zq_Value*, zq_Value*) {
   Note(std::string(method) + (argc != 0 ? "(?)" : "") + (listener == nullptr ? " of nobody" : ""));
+  if (g_reactsTo == method) {
+    g_reactsTo.clear();
+    g_reaction();
+  }
   return 1;
 }
 
@@ -59,6 +67,11 @@ class ConnectivityTest : public ModuleTest {
   int32_t Check() { return engine.Call(*util, "checkConnectivity", {}, nullptr); }
 
   // As a network restart does.
+  static void BeginMonitor() {
+    ZQUtil& module = *ZQUtil::m_pInstance;
+    module.network->connectionState = 0;
+    zq_TimerSet(module.Handle(), 1000, kTimerNetworkStatus, 1, 0, 0, "Network Status Check Timer", false);
+  }
   void Restart() {
     networkScriptRunning = true;
     Singleton().network->connectionState = 0;
@@ -399,6 +412,52 @@ TEST_F(ConnectivityTest, ARestartStopsNothingThatItDoesNotStartAgain) {
   networkScriptRunning = false;
   RunSeconds(3);
   EXPECT_EQ(TakeEvents(), "1.0 onBeginDHCP, 2.0 onBeginConnectivityCheck, 2.2 check");
+}
+
+TEST_F(ConnectivityTest, AListenerThatRestartsTheNetworkHearsOfTheNewOneFromItsBeginning) {
+  for (const char* event : {"onAssociation", "onBeginDHCP", "onDoneDHCP", "onBeginConnectivityCheck"}) {
+    Start();
+    Listen();
+    networkFacts.wireless = networkFacts.dhcp = networkFacts.associated = true;
+    networkFacts.address = "10.0.0.7";
+    networkFacts.interfaces = 1;
+    Restart();
+    g_reactsTo = event;
+    g_reaction = [] {
+      BeginMonitor();
+      g_start = g_clock->Elapsed();
+      TakeEvents();
+    };
+    RunSeconds(2.5);
+    NewInterfaces();
+    RunSeconds(1);
+    networkScriptRunning = false;
+    RunSeconds(10);
+    EXPECT_EQ(g_reactsTo, "");
+    const std::string events = TakeEvents();
+    EXPECT_EQ(events.substr(0, 36), "1.0 onAssociation, 2.0 onBeginDHCP, ") << event;
+    EXPECT_NE(events.find("onBeginConnectivityCheck"), std::string::npos) << event;
+    EXPECT_EQ(State(), kCheckStarted);
+    Drop(*util);
+  }
+}
+
+TEST_F(ConnectivityTest, AListenerMayTryAnotherNetworkWhenItHearsOfAFailure) {
+  Start();
+  Listen();
+  networkFacts.dhcp = true;
+  networkFacts.interfaces = 1;
+  Restart();
+  networkScriptRunning = false;
+  g_reactsTo = "onFailedAssociation";
+  g_reaction = [] {
+    networkFacts.address = "10.0.0.7";
+    BeginMonitor();
+  };
+  RunSeconds(10);
+  EXPECT_EQ(TakeEvents(),
+            "1.0 onBeginDHCP, 2.0 onFailedAssociation, 3.0 onBeginDHCP, 4.0 onBeginConnectivityCheck, "
+            "4.2 check");
 }
 
 TEST_F(ConnectivityTest, WithoutCallMethodTheMonitorWalksOn) {
