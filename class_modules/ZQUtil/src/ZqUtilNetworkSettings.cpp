@@ -1,5 +1,5 @@
-// The network methods of the script class that change something. They answer nothing. Too few arguments, one that is no
-// text, or no network object, and nothing is changed; the script sees no difference.
+// The network methods of the script class that change something. They answer nothing. Too few arguments, one of them void
+// or null, one that is no text, or no network object, and nothing is changed; the script sees no difference.
 #include <string>
 #include <vector>
 
@@ -12,14 +12,13 @@
 
 namespace {
 
-// The arguments of a set-up as texts that may be changed in place. Beyond those that must be given there may be one that
-// need not be: the engine says what it takes a missing one for.
+// The arguments of a set-up as texts that may be changed in place. Of one that is not there it has what the engine takes
+// a missing one for: whoever must have it looks first.
 class SetUpTexts {
  public:
-  SetUpTexts(const ScriptArguments& arguments, uint32_t required, uint32_t wanted) : wanted_(wanted) {
+  SetUpTexts(const ScriptArguments& arguments, uint32_t wanted) : wanted_(wanted) {
     while (Taken() < wanted) {
-      const uint32_t next = Taken();
-      const char* const text = next < required ? arguments.PresentText(next) : arguments.TextOrFiller(next);
+      const char* const text = arguments.TextOrFiller(Taken());
       if (text == nullptr) break;
       texts_.emplace_back(text);
     }
@@ -45,8 +44,10 @@ int32_t ZQUtil::SetFirstTime(void* /*self*/, uint32_t argc, zq_Value* argv, zq_V
 
 int32_t ZQUtil::SetProxy(void* /*self*/, uint32_t argc, zq_Value* argv, zq_Value* /*rval*/) {
   ZQUTIL_TRACE("ZQUtil GUI Call to SetProxy\n");
-  SetUpTexts texts(ScriptArguments(argc, argv), 1, 1);
-  if (network != nullptr && texts.Complete()) network->setProxy(texts[0]);
+  const ScriptArguments arguments(argc, argv);
+  if (network == nullptr || !arguments.AllPresent(1)) return 1;
+  SetUpTexts texts(arguments, 1);
+  if (texts.Complete()) network->setProxy(texts[0]);
   return 1;
 }
 
@@ -68,8 +69,8 @@ int32_t ZQUtil::SetWiredNetworkStatic(void* /*self*/, uint32_t argc, zq_Value* a
   ZQUTIL_TRACE("ZQUtil GUI Call to SetWiredNetworkStatic\n");
   constexpr uint32_t kRequired = 5;
   const ScriptArguments arguments(argc, argv);
-  if (network == nullptr || arguments.Count() < kRequired) return 1;
-  SetUpTexts texts(arguments, kRequired, kRequired);
+  if (network == nullptr || !arguments.AllPresent(kRequired)) return 1;
+  SetUpTexts texts(arguments, kRequired);
   if (texts.Complete()) network->setWiredNetworkStatic(texts[0], texts[1], texts[2], texts[3], texts[4]);
   return 1;
 }
@@ -78,8 +79,8 @@ int32_t ZQUtil::SetWirelessNetworkDHCP(void* /*self*/, uint32_t argc, zq_Value* 
   ZQUTIL_TRACE("ZQUtil GUI Call to SetWirelessNetworkDHCP\n");
   constexpr uint32_t kRequired = 6;
   const ScriptArguments arguments(argc, argv);
-  if (network == nullptr || arguments.Count() < kRequired) return 1;
-  SetUpTexts texts(arguments, kRequired, kRequired + 1);
+  if (network == nullptr || !arguments.AllPresent(kRequired)) return 1;
+  SetUpTexts texts(arguments, kRequired + 1);
   if (!texts.Complete()) {
     ZQUTIL_TRACE("ZQUtil SetWirelessNetworkDHCP missing argument %u\n", texts.Taken());
     return 1;
@@ -95,8 +96,8 @@ int32_t ZQUtil::SetWirelessNetworkStatic(void* /*self*/, uint32_t argc, zq_Value
   ZQUTIL_TRACE("ZQUtil GUI Call to SetWirelessNetworkStatic\n");
   constexpr uint32_t kRequired = 11;
   const ScriptArguments arguments(argc, argv);
-  if (network == nullptr || arguments.Count() < kRequired) return 1;
-  SetUpTexts texts(arguments, kRequired, kRequired + 1);
+  if (network == nullptr || !arguments.AllPresent(kRequired)) return 1;
+  SetUpTexts texts(arguments, kRequired + 1);
   if (texts.Taken() == 0) {
     ZQUTIL_TRACE("ZQUtil SetWirelessNetworkStatic missing argument 0\n");
     return 1;
@@ -107,8 +108,8 @@ int32_t ZQUtil::SetWirelessNetworkStatic(void* /*self*/, uint32_t argc, zq_Value
     network->setWirelessNetworkStatic(texts[0], texts[1], texts[2], texts[3], texts[4], texts[5], texts[6],
                                       texts[7], texts[8], texts[9], DecimalNumber(texts[10]), texts[11]);
   }
-  // Success, too, is followed by the whole row of complaints, and a missing argument by those of all before it: readers
-  // of the trace count them.
+  // Success, too, is followed by the whole row of complaints, and an argument that is no text by those of all before it:
+  // readers of the trace count them.
   for (uint32_t missing = texts.Complete() ? kRequired : texts.Taken(); missing > 0; --missing) {
     ZQUTIL_TRACE("ZQUtil SetWirelessNetworkStatic missing argument %u\n", missing);
   }

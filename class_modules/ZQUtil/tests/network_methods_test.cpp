@@ -227,6 +227,13 @@ TEST_F(NetworkMethodsTest, TheScriptsOwnTextIsLeftAsItIs) {
   EXPECT_EQ(engine.Show(text), "10.0.0.1\n");
 }
 
+TEST_F(NetworkMethodsTest, OfALineBreakOfTwoCharactersTheSecondIsStored) {
+  Ask("setProxy", {S("a\r\nb")});
+  EXPECT_EQ(StoredKey("net.proxy"), "a\nb");
+  Ask("setProxy", {S("a\rb")});
+  EXPECT_EQ(StoredKey("net.proxy"), "ab");
+}
+
 TEST_F(NetworkMethodsTest, WiredDhcpIsSet) {
   EXPECT_EQ(Ask("setWiredNetworkDHCP"), "<void>");
   EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to SetWiredNetworkDHCP\n");
@@ -320,21 +327,91 @@ TEST_F(WirelessMethodsTest, WirelessDhcpIsSet) {
             "key=0123456789 index=2 wpatype=none");
 }
 
-TEST_F(WirelessMethodsTest, WirelessDhcpNamesTheOneArgumentThatIsMissing) {
-  for (size_t place = 0; place < 6; ++place) {
-    for (const zq_Value missing : {ZQ_VALUE_VOID, ZQ_VALUE_NULL}) {
+// The engine converts this object to no text.
+zq_Value g_noText;
+zq_ValueToString g_toText;
+
+class NoTextTest : public WirelessMethodsTest {
+ protected:
+  NoTextTest() : noText_(BareEngine::Word(engine.NewObject())) {
+    g_noText = noText_;
+    g_toText = reinterpret_cast<zq_ValueToString>(engine.Table()[ZQ_SLOT_VALUE_TO_STRING]);
+    engine.Table()[ZQ_SLOT_VALUE_TO_STRING] =
+        reinterpret_cast<uintptr_t>(+[](zq_Value value, uint32_t* scratch) -> const char* {
+          return value == g_noText ? nullptr : g_toText(value, scratch);
+        });
+    Load();
+  }
+
+  static std::vector<zq_Value> With(std::vector<zq_Value> arguments, int place, zq_Value value) {
+    arguments[static_cast<size_t>(place)] = value;
+    return arguments;
+  }
+
+  const zq_Value noText_;
+};
+
+TEST_F(NoTextTest, WirelessDhcpNamesTheOneArgumentThatIsNone) {
+  for (int place = 0; place < 7; ++place) {
+    EXPECT_EQ(Ask("setWirelessNetworkDHCP", With(dhcp_, place, noText_)), "<void>");
+    EXPECT_EQ(MethodTraces(),
+              "ZQUtil GUI Call to SetWirelessNetworkDHCP\nZQUtil SetWirelessNetworkDHCP missing argument " +
+                  std::to_string(place) + "\n");
+  }
+  EXPECT_EQ(Stored(), "");
+}
+
+TEST_F(NoTextTest, WirelessStaticNamesTheArgumentThatIsNoneAndAllBeforeIt) {
+  for (int place = 0; place < 12; ++place) {
+    EXPECT_EQ(Ask("setWirelessNetworkStatic", With(static_, place, noText_)), "<void>");
+    EXPECT_EQ(MethodTraces(),
+              "ZQUtil GUI Call to SetWirelessNetworkStatic\n" + Missing(place, place == 0 ? 0 : 1));
+  }
+  EXPECT_EQ(Stored(), "");
+}
+
+TEST_F(NoTextTest, WiredStaticAndTheProxyStopInSilence) {
+  for (int place = 0; place < 5; ++place) {
+    EXPECT_EQ(Ask("setWiredNetworkStatic", With(Texts({"1", "2", "3", "4", "5"}), place, noText_)), "<void>");
+    EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to SetWiredNetworkStatic\n");
+  }
+  EXPECT_EQ(Ask("setProxy", {noText_}), "<void>");
+  EXPECT_EQ(Ask("setProxyEnabled", {noText_}), "<void>");
+  EXPECT_EQ(Ask("setFirstTime", {noText_}), "<void>");
+  Settle();
+  EXPECT_EQ(Stored() + StoredKey("net.proxy") + StoredKey("net.proxyen") + StoredKey("net.firsttime"),
+            "<none><none><none>");
+}
+
+// One that must be given and is void or null is missing: there are too few then, and no argument is named.
+TEST_F(WirelessMethodsTest, TooFewArgumentsNameNone) {
+  const auto ask = [&](const char* method, const std::vector<zq_Value>& arguments) {
+    EXPECT_EQ(Ask(method, arguments), "<void>");
+    return MethodTraces();
+  };
+  for (const zq_Value missing : {ZQ_VALUE_VOID, ZQ_VALUE_NULL}) {
+    for (size_t place = 0; place < 6; ++place) {
       std::vector<zq_Value> arguments = dhcp_;
       arguments[place] = missing;
-      EXPECT_EQ(Ask("setWirelessNetworkDHCP", arguments), "<void>");
-      EXPECT_EQ(MethodTraces(),
-                "ZQUtil GUI Call to SetWirelessNetworkDHCP\nZQUtil "
-                "SetWirelessNetworkDHCP missing "
-                "argument " +
-                    std::to_string(place) + "\n");
+      EXPECT_EQ(ask("setWirelessNetworkDHCP", arguments), "ZQUtil GUI Call to SetWirelessNetworkDHCP\n")
+          << place;
+    }
+    for (size_t place = 0; place < 11; ++place) {
+      std::vector<zq_Value> arguments = static_;
+      arguments[place] = missing;
+      EXPECT_EQ(ask("setWirelessNetworkStatic", arguments), "ZQUtil GUI Call to SetWirelessNetworkStatic\n")
+          << place;
     }
   }
-  EXPECT_EQ(Ask("setWirelessNetworkDHCP", std::vector<zq_Value>(dhcp_.begin(), dhcp_.begin() + 5)), "<void>");
-  EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to SetWirelessNetworkDHCP\n") << "too few";
+  for (size_t count = 0; count < 6; ++count) {
+    EXPECT_EQ(ask("setWirelessNetworkDHCP", {dhcp_.begin(), dhcp_.begin() + static_cast<ptrdiff_t>(count)}),
+              "ZQUtil GUI Call to SetWirelessNetworkDHCP\n");
+  }
+  for (size_t count = 0; count < 11; ++count) {
+    EXPECT_EQ(
+        ask("setWirelessNetworkStatic", {static_.begin(), static_.begin() + static_cast<ptrdiff_t>(count)}),
+        "ZQUtil GUI Call to SetWirelessNetworkStatic\n");
+  }
   EXPECT_EQ(Stored(), "");
 }
 
@@ -377,22 +454,6 @@ TEST_F(WirelessMethodsTest, WirelessStaticIsSetAndComplainsAllTheSame) {
             "ipaddr=10.0.0.2 netmask=255.0.0.0 gateway=10.0.0.1 ns=1.1.1.1,2.2.2.2");
   Ask("setWirelessNetworkStatic", std::vector<zq_Value>(static_.begin(), static_.begin() + 11));
   EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to SetWirelessNetworkStatic\n" + Missing(11, 1));
-}
-
-TEST_F(WirelessMethodsTest, WirelessStaticNamesTheMissingArgumentAndAllBeforeIt) {
-  for (int place = 0; place < 11; ++place) {
-    for (const zq_Value missing : {ZQ_VALUE_VOID, ZQ_VALUE_NULL}) {
-      std::vector<zq_Value> arguments = static_;
-      arguments[static_cast<size_t>(place)] = missing;
-      EXPECT_EQ(Ask("setWirelessNetworkStatic", arguments), "<void>");
-      EXPECT_EQ(MethodTraces(),
-                "ZQUtil GUI Call to SetWirelessNetworkStatic\n" + Missing(place, place == 0 ? 0 : 1));
-    }
-  }
-  EXPECT_EQ(Ask("setWirelessNetworkStatic", std::vector<zq_Value>(static_.begin(), static_.begin() + 10)),
-            "<void>");
-  EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to SetWirelessNetworkStatic\n") << "too few";
-  EXPECT_EQ(Stored(), "");
 }
 
 TEST_F(WirelessMethodsTest, SecurityIsAnObject) {
