@@ -115,8 +115,11 @@ bool ScanSettling::Add(size_t hash) {
                working_.ESSID, working_.encrypted, working_.strength, working_.WPAVersion, working_.TKIP,
                working_.AES);
   *record = working_;
+  if (!list_->Add(record)) {
+    zq__free(record, kSourceTag, __LINE__);
+    return false;
+  }
   working_ = {};
-  list_->Add(record);
   hashes_.set(hash);
   return true;
 }
