@@ -7,6 +7,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -16,6 +17,7 @@
 #include "ratio.h"
 #include "temp_dir.h"
 #include "zq_memory.h"
+#include "zq_trace.h"
 
 namespace {
 
@@ -104,6 +106,8 @@ bool Compare(const char* what, const Ours& ours, const Bare& bare) {
 }  // namespace
 
 int main() {
+  // The bare calls trace nothing.
+  zq_TraceRedirect("off", INT_MAX);
   const TempDir folder;
   WriteFile(folder / "config", (folder / "a") + " 0 0x4000\n" + (folder / "b") + " 0 0x4000\n");
   setenv("ZQ_NVRAM_CONFIG", (folder / "config").c_str(), 1);
