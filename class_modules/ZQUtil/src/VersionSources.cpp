@@ -1,6 +1,7 @@
 #include "VersionSources.h"
 
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -27,7 +28,8 @@ int32_t ReadBoardRevision() {
     ZQUTIL_TRACE("ZQUtil /proc.boardrev has no content\n");
     return 0;
   }
-  ZQUTIL_TRACE("ZQUtil read /proc.boardrev: %s\n", std::string(VersionLine(line)).c_str());
+  line[std::strcspn(line, "\n")] = '\0';
+  ZQUTIL_TRACE("ZQUtil read /proc.boardrev: %s\n", line);
   return DecimalNumber(line);
 }
 

@@ -1,6 +1,7 @@
 #include "ZQUtilAbout.h"
 
-#include <optional>
+#include <memory>
+#include <new>
 
 #include "AboutSummary.h"
 #include "SingletonHold.h"
@@ -20,10 +21,10 @@ constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtilAbout";
 constexpr char kListenerProperty[] = "AboutListener";
 
 // Nothing when the singleton or one of its parts is gone.
-std::optional<AboutSummary> Gather(void* singleton) {
+std::unique_ptr<AboutSummary> Gather(void* singleton) {
   const SingletonHold util(singleton);
-  if (!util || util->network == nullptr || util->dateTime == nullptr) return std::nullopt;
-  return GatherAboutSummary(*util->network, *util->dateTime);
+  if (!util || util->network == nullptr || util->dateTime == nullptr) return nullptr;
+  return std::make_unique<AboutSummary>(GatherAboutSummary(*util->network, *util->dateTime));
 }
 
 void* ListenerOf(void* singleton) {
@@ -40,16 +41,33 @@ zq_Value NewResponse(const AboutSummary& summary) {
   return ObjectValue(object);
 }
 
+// The same, with the versions alone; null also when memory runs out.
+zq_Value NewVersions() try {
+  void* const object = NewScriptObject();
+  if (object == nullptr) return ZQ_VALUE_NULL;
+  SetVersionProperties(object, 0);
+  return ObjectValue(object);
+} catch (const std::bad_alloc&) {
+  return ZQ_VALUE_NULL;
+}
+
 void Tell(void* listener, zq_Value response) {
   const auto callMethod = engine::CallMethodWithArgs();
   if (listener != nullptr && callMethod != nullptr) callMethod(listener, "onResult", 1, &response);
 }
 
 void Answer(void* singleton) {
-  std::optional<AboutSummary> summary = Gather(singleton);
-  if (!summary) return;
-  ZQUTIL_TRACE("ZQUtil About Dialog Thread Constructing Response Object\n");
-  const zq_Value response = NewResponse(*summary);
+  std::unique_ptr<AboutSummary> summary;
+  zq_Value response = ZQ_VALUE_NULL;
+  try {
+    summary = Gather(singleton);
+    if (summary == nullptr) return;
+    ZQUTIL_TRACE("ZQUtil About Dialog Thread Constructing Response Object\n");
+    response = NewResponse(*summary);
+  } catch (const std::bad_alloc&) {
+    // The listener waits for an answer all the same.
+    ZQUTIL_TRACE("ZQUtil About Dialog Thread has no memory\n");
+  }
   ZQUTIL_TRACE("ZQUtil About Dialog Thread Messaging Client\n");
   Tell(ListenerOf(singleton), response);
   ZQUTIL_TRACE("ZQUtil About Dialog Thread Freeing Memory\n");
@@ -64,9 +82,8 @@ const char* WhatIsWrong(const ScriptArguments& arguments, const zq_Value* argv) 
 }  // namespace
 
 int32_t ZQUtil_GetVersion(void* /*self*/, uint32_t /*argc*/, zq_Value* /*argv*/, zq_Value* rval) {
-  void* const object = NewScriptObject();
-  if (object != nullptr) SetVersionProperties(object, 0);
-  if (rval != nullptr) *rval = object != nullptr ? ObjectValue(object) : ZQ_VALUE_NULL;
+  const zq_Value versions = NewVersions();
+  if (rval != nullptr) *rval = versions;
   return 1;
 }
 
@@ -79,8 +96,9 @@ int32_t ZQUtil::RegisterAboutListener(void* /*self*/, uint32_t argc, zq_Value* a
     return 1;
   }
   ZQUTIL_TRACE("ZQUtil Registering Software About Listener valid argument\n");
-  if (!KeepListener(argv[0], kListenerProperty, aboutListener)) return 0;
+  if (!TakeListener(argv[0], aboutListener)) return 0;
   ZQUTIL_TRACE("ZQUtil Registering Software About Listener calling setmember\n");
+  HoldListener(argv[0], kListenerProperty);
   ZQUTIL_TRACE("ZQUtil Registering Software About Listenerstarting thread\n");
   zq__beginthread(threadAboutDialog, this, nullptr, kSourceTag, __LINE__);
   return 1;

@@ -1,6 +1,9 @@
 #include "ZQUtilMethodTable.h"
 
+#include <new>
+
 #include "ZQUtil.h"
+#include "ZQUtilTrace.h"
 #include "mm_env.h"
 
 namespace {
@@ -8,14 +11,19 @@ namespace {
 using Member = int32_t (ZQUtil::*)(void*, uint32_t, zq_Value*, zq_Value*);
 
 // What every wrapper does: fetch the singleton that the constructor attached to the script object, and pass on. 0 when
-// none is attached.
+// none is attached. A method that runs out of memory ends there and succeeds: the host knows no exceptions.
 template <typename Call>
 int32_t CallSingleton(void* self, const Call& call) {
   const auto getPrivate = engine::GetPrivate();
   if (getPrivate == nullptr) return 0;
   void* attached = nullptr;
   if (getPrivate(self, &attached) != 1) return 0;
-  return call(*static_cast<ZQUtil*>(attached));
+  try {
+    return call(*static_cast<ZQUtil*>(attached));
+  } catch (const std::bad_alloc&) {
+    ZQUTIL_TRACE("ZQUtil has no memory for a call\n");
+    return 1;
+  }
 }
 
 int32_t CallMember(Member member, void* self, uint32_t argc, zq_Value* argv, zq_Value* rval) {

@@ -25,13 +25,21 @@ bool Enter() {
 
 }  // namespace
 
-bool KeepListener(zq_Value value, const char* property, std::atomic<void*>& field) {
+bool TakeListener(zq_Value value, std::atomic<void*>& field) {
   const auto toObject = engine::ValueToObject();
   void* listener = nullptr;
   if (toObject == nullptr || toObject(value, &listener) == 0) return false;
   field = listener;
-  const auto setProperty = engine::SetProperty();
-  if (listener != nullptr && setProperty != nullptr) setProperty(gLibObj, property, &value);
+  return true;
+}
+
+void HoldListener(zq_Value value, const char* property) {
+  if (const auto setProperty = engine::SetProperty()) setProperty(gLibObj, property, &value);
+}
+
+bool KeepListener(zq_Value value, const char* property, std::atomic<void*>& field) {
+  if (!TakeListener(value, field)) return false;
+  if (field != nullptr) HoldListener(value, property);
   return true;
 }
 

@@ -7,8 +7,12 @@
 
 #include "mm_env.h"
 
-// Puts the object into the field and keeps it alive as that property of the class object. False, and nothing changed,
-// when the value is no object or the host converts none. Script thread.
+// Puts the object into the field. False, and nothing changed, when the value is no object or the host converts none.
+// Script thread.
+bool TakeListener(zq_Value value, std::atomic<void*>& field);
+// Keeps the object alive as that property of the class object; nothing when the host sets none. Script thread.
+void HoldListener(zq_Value value, const char* property);
+// Both.
 bool KeepListener(zq_Value value, const char* property, std::atomic<void*>& field);
 // Empties the property, then the field. Any thread.
 void ForgetListener(const char* property, std::atomic<void*>& field);

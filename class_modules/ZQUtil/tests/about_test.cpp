@@ -17,6 +17,7 @@
 #include "module_fixture.h"
 #include "no_more_threads.h"
 #include "nvram.h"
+#include "refused_memory.h"
 #include "zq_system.h"
 #include "zq_thread.h"
 
@@ -34,6 +35,26 @@ extern "C" __attribute__((visibility("default"))) int nvram_open(int mode, int f
   static const auto next = reinterpret_cast<decltype(&nvram_open)>(dlsym(RTLD_NEXT, "nvram_open"));
   return next(mode, flags);
 }
+
+// The sources of the summary's texts, each of which says its own name when the test wants them to, but for one that has
+// nothing to say.
+static bool g_ownNames = false;
+static std::string g_silent;
+#define SOURCE(symbol)                                                           \
+  extern "C" __attribute__((visibility("default"))) char* symbol(void* self) {   \
+    if (g_ownNames && g_silent == #symbol) return nullptr;                       \
+    if (g_ownNames) return zq__newString(#symbol, "test", __LINE__);             \
+    return reinterpret_cast<decltype(&symbol)>(dlsym(RTLD_NEXT, #symbol))(self); \
+  }
+SOURCE(_ZN9ZQNetwork10getMACAddrEv)
+SOURCE(_ZN9ZQNetwork12getCurrentIPEv)
+SOURCE(_ZN9ZQNetwork10getGatewayEv)
+SOURCE(_ZN9ZQNetwork17getCurrentNetmaskEv)
+SOURCE(_ZN9ZQNetwork13getPrimaryDNSEv)
+SOURCE(_ZN9ZQNetwork15getSecondaryDNSEv)
+SOURCE(_ZN10ZQDateTime9getTZDescEv)
+SOURCE(_ZN10ZQDateTime19getPrimaryNTPServerEv)
+SOURCE(_ZN10ZQDateTime21getSecondaryNTPServerEv)
 
 namespace {
 
@@ -171,6 +192,10 @@ TEST_F(AboutTest, EachVersionSourceMayBeMissingEmptyOrLong) {
   ForgetTraces();
   EXPECT_EQ(Value(Version(), "Firmware"), "2.1.7");
   EXPECT_EQ(Traces().substr(0, 38), "ZQUtil /proc.boardrev has no content\nZ");
+  WriteFile(OnThisMachine(kBoard), "5\tof 7 \r\nand more\n");
+  ForgetTraces();
+  EXPECT_EQ(Value(Version(), "Firmware"), "2.1.7 (boardrev: 5)");
+  EXPECT_EQ(Traces().find("ZQUtil read /proc.boardrev: 5\tof 7 \r\nZQUtil Firmware"), 0U) << "the whole line";
   WriteFile(OnThisMachine(kBoard), std::string(254, '0') + "7");
   EXPECT_EQ(Value(Version(), "Firmware"), "2.1.7 (boardrev: 7)");
   WriteFile(OnThisMachine(kBoard), std::string(255, '0') + "7");
@@ -268,6 +293,61 @@ TEST_F(AboutTest, AKeyStoreThatCannotBeOpenedLeavesTheRest) {
   EXPECT_EQ(Value(summary, "IsWireless") + Value(summary, "UseNTP"), "FalseFalse");
   EXPECT_EQ(Value(summary, "Timezone"), "(GMT-05:00) Eastern Time (US & Canada)");
   EXPECT_EQ(Value(summary, "Firmware"), "2.1.7 (boardrev: 3)");
+}
+
+TEST_F(AboutTest, ASourceWithNothingToSayLeavesItsOwnPropertyEmpty) {
+  const std::pair<const char*, const char*> sources[] = {
+      {"_ZN9ZQNetwork10getMACAddrEv", "MACAddr"},          {"_ZN9ZQNetwork12getCurrentIPEv", "IPAddr"},
+      {"_ZN9ZQNetwork10getGatewayEv", "Gateway"},          {"_ZN9ZQNetwork17getCurrentNetmaskEv", "Subnet"},
+      {"_ZN9ZQNetwork13getPrimaryDNSEv", "DNS1"},          {"_ZN9ZQNetwork15getSecondaryDNSEv", "DNS2"},
+      {"_ZN10ZQDateTime9getTZDescEv", "Timezone"},         {"_ZN10ZQDateTime19getPrimaryNTPServerEv", "NTP1"},
+      {"_ZN10ZQDateTime21getSecondaryNTPServerEv", "NTP2"}};
+  Util();
+  g_ownNames = true;
+  const std::string whole = Summary();
+  for (const auto& [source, property] : sources) {
+    const std::string text = std::string(property) + "=" + source + ";";
+    ASSERT_NE(whole.find(text), std::string::npos) << whole;
+    std::string expected = whole;
+    expected.replace(expected.find(text), text.size(), std::string(property) + "=;");
+    g_silent = source;
+    EXPECT_EQ(Summary(), expected) << property;
+  }
+  g_ownNames = false;
+}
+
+// Enough to read the firmware's file, not to keep its line.
+TEST_F(AboutTest, MemoryThatRunsOutLeavesNullForTheListener) {
+  constexpr size_t kLong = 1234567;
+  Util();
+  WriteFile(kFirmware, std::string(kLong, 'v'));
+  {
+    const RefusedMemory refused(kLong + 1, kLong + 1);
+    EXPECT_EQ(Summary(), "<null>");
+    EXPECT_EQ(Version(), "<null>");
+  }
+  EXPECT_EQ(Traces().substr(Traces().find("ZQUtil About Dialog Thread has")),
+            "ZQUtil About Dialog Thread has no memory\nZQUtil About Dialog Thread Messaging Client\n"
+            "ZQUtil About Dialog Thread Freeing Memory\nZQUtil About Dialog Thread Exiting\n"
+            "ZQUtil read /proc.boardrev: 3\n");
+  EXPECT_NE(Summary(), "<null>") << "the next one is told all";
+}
+
+TEST_F(AboutTest, TheListenerIsKeptAliveAfterItWasTaken) {
+  static TraceCapture* traces;
+  static bool said;
+  traces = &trace;
+  static const auto setProperty = reinterpret_cast<zq_SetProperty>(engine.Table()[ZQ_SLOT_SET_PROPERTY]);
+  engine.Table()[ZQ_SLOT_SET_PROPERTY] =
+      reinterpret_cast<uintptr_t>(+[](void* object, const char* name, zq_Value* value) -> int32_t {
+        if (name == std::string("AboutListener")) {
+          EXPECT_NE(ZQUtil::m_pInstance->aboutListener, nullptr);
+          said = traces->Has("ZQUtil Registering Software About Listener calling setmember");
+        }
+        return setProperty(object, name, value);
+      });
+  Summary();
+  EXPECT_TRUE(said);
 }
 
 TEST_F(AboutTest, TheThreadTracesItsStepsAroundTheSources) {

@@ -8,6 +8,7 @@
 #include "ZQUtilEntryPoints.h"
 #include "ZQUtilPersistence.h"
 #include "module_fixture.h"
+#include "refused_memory.h"
 #include "zq_memory.h"
 #include "zq_thread.h"
 #include "zqwww.h"
@@ -150,6 +151,23 @@ TEST_F(RefusalsTest, NoMethodFallsOverAnAllocationThatFails) {
   }
   Settle();
   EXPECT_EQ(engine.Answer(util, "isTablet"), "no");
+}
+
+TEST_F(RefusalsTest, AMethodWithoutMemoryForItsTextsSucceedsAndChangesNothing) {
+  Object& util = New();
+  const std::string text(100000, 'x');
+  const zq_Value word = S(text);
+  zq_Value arguments[] = {word};
+  zq_Value result = ZQ_VALUE_VOID;
+  const zq_NativeMethod setProxy = engine.ClassObject().methods.at("setProxy").first;
+  int32_t handled = 0;
+  {
+    const RefusedMemory refused(text.size());
+    handled = setProxy(&util, 1, arguments, &result);
+  }
+  EXPECT_EQ(handled, 1);
+  EXPECT_TRUE(trace.Has("ZQUtil has no memory for a call"));
+  EXPECT_EQ(StoredKey("net.proxy"), "<none>");
 }
 
 TEST_F(RefusalsTest, AnArgumentThatCannotBecomeTextSetsNothing) {
