@@ -1,5 +1,6 @@
 // The activity log: records go to the optional application-log library, which owns the way to the log server.
 #include <cstdlib>
+#include <new>
 
 #include "ProxyAddress.h"
 #include "ZQUtil.h"
@@ -33,7 +34,7 @@ int32_t ZQUtil::AppLog(void* /*self*/, uint32_t argc, zq_Value* argv, zq_Value* 
   return 1;
 }
 
-uint32_t ZQUtil::OpenSocketToProxyOrAddress(const char* host, int32_t port) {
+uint32_t ZQUtil::OpenSocketToProxyOrAddress(const char* host, int32_t port) try {
   ZQUTIL_TRACE("ZQUtil Opening Socket\n");
   if (host == nullptr) return 0;
   const ConnectionTarget target = ProxyOrAddress(std::getenv("http_proxy"), host, port);
@@ -46,4 +47,6 @@ uint32_t ZQUtil::OpenSocketToProxyOrAddress(const char* host, int32_t port) {
   zq_SocketSetName(socket, "Application Logging TCP Socket");
   zq_SocketSetReceiveLimit(socket, kMostIncoming);
   return socket;
+} catch (const std::bad_alloc&) {
+  return 0;
 }

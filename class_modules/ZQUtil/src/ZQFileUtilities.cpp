@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "zq_file.h"
@@ -48,7 +49,7 @@ _ZqString* ZQBasename(const char* path) {
   return name;
 }
 
-bool ZQCopyFile(const char* source, const char* destination) {
+bool ZQCopyFile(const char* source, const char* destination) try {
   std::string target = destination;
   if (*source != '\0' && IsFolder(destination)) {
     _ZqString* const name = ZQBasename(source);
@@ -56,4 +57,6 @@ bool ZQCopyFile(const char* source, const char* destination) {
     zq_StringDestroy(name);
   }
   return zq_CopyFile(source, target.c_str(), true);
+} catch (const std::bad_alloc&) {
+  return false;
 }

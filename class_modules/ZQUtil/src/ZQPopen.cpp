@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 #include <string>
 
 #include "ZQFileUtilities.h"
@@ -34,18 +35,19 @@ class TemporaryFile {
   const int fd_;
 };
 
-bool Run(const char* command, const TemporaryFile& out, const TemporaryFile& err) {
+bool Run(const char* command, const TemporaryFile& out, const TemporaryFile& err) try {
   // Without both files there is no command line to build.
   if (command == nullptr || !out.Made() || !err.Made()) return false;
   const std::string line = std::string("sh -c \"(") + command + ")\" 1>" + out.Path() + " 2>" + err.Path();
   if (std::system(line.c_str()) >= 0) return true;
   ZQUTIL_TRACE("files or processes could not be created (%s)\n", line.c_str());
   return false;
+} catch (const std::bad_alloc&) {
+  return false;
 }
 
 // Appends what is left of the file and the byte that marks its end.
 void Capture(std::FILE* file, _ZqString* capture, char newlineReplacement) {
-  zq_StringReset(capture);
   for (int byte = getc(file); byte != EOF; byte = getc(file)) {
     ZQString_appendCharacter(capture, byte == '\n' ? newlineReplacement : static_cast<char>(byte));
   }
@@ -60,6 +62,7 @@ bool ZQPopen(const char* command, _ZqString* out, _ZqString* err, char newlineRe
   bool succeeded = Run(command, outFile, errFile);
 
   std::FILE* const output = outFile.Made() ? std::fopen(outFile.Path(), "re") : nullptr;
+  zq_StringReset(out);
   if (output != nullptr && out != nullptr) Capture(output, out, newlineReplacement);
   // The failure is named after pclose, whose result for an opened file is fclose's.
   if (output == nullptr || std::fclose(output) != 0) {

@@ -6,6 +6,7 @@
 #include "ProxyAddress.h"
 #include "loopback_listener.h"
 #include "module_fixture.h"
+#include "refused_memory.h"
 #include "zq_socket.h"
 
 namespace {
@@ -90,6 +91,13 @@ TEST_F(LogSocketTest, AProxyWithPortZeroHasTheGivenPort) {
   setenv("http_proxy", "http://127.0.0.1:0", 1);
   EXPECT_NE(Open("log.example.invalid", proxy.Port()), 0U);
   close(proxy.Accept());
+}
+
+TEST_F(LogSocketTest, WithoutMemoryForTheProxysHostThereIsNoSocket) {
+  const std::string host(100000, 'x');
+  setenv("http_proxy", ("http://" + host).c_str(), 1);
+  const RefusedMemory refused(host.size());
+  EXPECT_EQ(Open("localhost", 80), 0U);
 }
 
 TEST_F(LogSocketTest, WhatCannotBeReachedIsZero) {

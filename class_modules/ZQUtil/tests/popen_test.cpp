@@ -8,6 +8,7 @@
 #include "ZQFileUtilities.h"
 #include "ZQPopen.h"
 #include "module_fixture.h"
+#include "refused_memory.h"
 
 namespace {
 
@@ -119,9 +120,31 @@ TEST_F(PopenTest, WithoutRoomForTheFilesNothingRuns) {
   const bool answer = ZQPopen("touch /ran", out, nullptr, '\n');
   std::filesystem::rename(OnThisMachine("/tmp-aside"), OnThisMachine("/tmp"));
   EXPECT_FALSE(answer);
+  EXPECT_EQ(Bytes(out), "") << "nothing of an earlier command";
   EXPECT_FALSE(std::filesystem::exists("/ran"));
   EXPECT_EQ(Traces(), "failed to execute pclose\n");
   EXPECT_EQ(trace.Lines().back().level, 30000);
+}
+
+TEST_F(PopenTest, WithoutMemoryForTheCommandLineNothingRuns) {
+  const std::string command = "touch /ran; : " + std::string(100000, 'x');
+  zq_StringAppend(out, "old");
+  bool answer = true;
+  {
+    const RefusedMemory refused(command.size());
+    answer = ZQPopen(command.c_str(), out, nullptr, '\n');
+  }
+  EXPECT_FALSE(answer);
+  EXPECT_EQ(Bytes(out), "\xFF");
+  EXPECT_FALSE(std::filesystem::exists("/ran"));
+  EXPECT_EQ(FilesLeft(), 0);
+  EXPECT_EQ(Traces(), "");
+}
+
+TEST_F(PopenTest, WithoutMemoryForItsTargetNothingIsCopied) {
+  const std::string target = "/tmp/" + std::string(100000, 'x');
+  const RefusedMemory refused(target.size());
+  EXPECT_FALSE(ZQCopyFile("/etc/hosts", target.c_str()));
 }
 
 TEST_F(PopenTest, ASystemThatStartsNoProcessIsAFailureWithTheCommandLine) {
