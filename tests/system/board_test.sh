@@ -59,9 +59,12 @@ for good in pool.ntp.org 192.0.2.1 2001:db8::1 my-host_2; do is_host "$good" || 
 for bad in '' -p 'a b' 'a;b' '$(x)' "a${newline}b" 'a/b'; do is_host "$bad" && same "$bad" no yes; done
 
 # The module's word on the servers of network time, too.
-for name in "$NTP_PRIMARY" "$NTP_SECONDARY"; do
-  grep -q "\"$name\"" "$tests/../../class_modules/ZQUtil/src/ZQDateTime.h" || same "the module knows $name" yes no
-done
+# module_server WHICH
+module_server() {
+  sed -n "s/^constexpr char kDefault$1NTPServer\[\] = \"\(.*\)\";$/\1/p" "$tests/../../class_modules/ZQUtil/src/ZQDateTime.h"
+}
+same "the first server" "$(module_server Primary)" "$NTP_PRIMARY"
+same "the second server" "$(module_server Secondary)" "$NTP_SECONDARY"
 
 echo old > "$folder/kept"
 ln -s kept "$folder/link"
