@@ -21,8 +21,12 @@ import unittest
 sys.dont_write_bytecode = True
 HERE = os.path.dirname(os.path.realpath(__file__))
 sys.path.insert(0, HERE)
+import build_state  # noqa: E402
 import markdown  # noqa: E402
 from markdown import ROOT  # noqa: E402
+
+sys.path.insert(0, os.path.join(ROOT, "tests", "support"))
+import at_once  # noqa: E402
 
 PATIENCE = 100
 PROGRAMS = None
@@ -46,6 +50,21 @@ def script(snippet):
 def wanted_output(snippet):
     found = re.findall(r"// → (.*)$", snippet.code, re.M)
     return [line.rstrip() for line in found] or None
+
+
+class BuildStateTest(unittest.TestCase):
+    def test_a_program_that_is_missing_or_stale_is_named(self):
+        with tempfile.TemporaryDirectory(prefix="docs-test-") as build:
+            for name in build_state.BUILT_FROM:
+                os.makedirs(os.path.dirname(os.path.join(build, name)), exist_ok=True)
+                with open(os.path.join(build, name), "w", encoding="utf-8"):
+                    pass
+            self.assertEqual(build_state.complaints(build, ROOT), [])
+            os.remove(os.path.join(build, "bin/zqsim"))
+            os.utime(os.path.join(build, "lib/ZQUtil.so"), (0, 0))
+            missing, stale = build_state.complaints(build, ROOT)
+        self.assertEqual(missing, f"{build}/bin/zqsim is missing: run make build")
+        self.assertRegex(stale, r"/lib/ZQUtil\.so is older than class_modules/ZQUtil/src/\w+\.(cpp|h): run make build")
 
 
 class LinkTest(unittest.TestCase):
@@ -132,9 +151,10 @@ class SnippetTest(unittest.TestCase):
         self.assertGreater(len(all_snippets()), 5)
 
     def test_every_snippet_runs_and_prints_what_it_says(self):
-        for snippet in all_snippets():
+        snippets = all_snippets()
+        for snippet, done in zip(snippets, at_once.mapped(self.run_snippet, snippets)):
             with self.subTest(file=snippet.file, line=snippet.line):
-                self.run_snippet(snippet)
+                self.check_snippet(snippet, done)
 
     def run_snippet(self, snippet):
         with tempfile.TemporaryDirectory(prefix="docs-test-") as folder:
@@ -148,6 +168,9 @@ class SnippetTest(unittest.TestCase):
                 subprocess.run(["sh", "-ec", snippet.options["before"]], cwd=device, check=True)
             done = subprocess.run([os.path.join(PROGRAMS, "sorel"), "--device", device, path], capture_output=True,
                                   text=True, check=False, timeout=PATIENCE, cwd=folder)
+        return done
+
+    def check_snippet(self, snippet, done):
         self.assertEqual((done.returncode, done.stderr), (0, ""), done.stdout)
         wanted = wanted_output(snippet)
         if wanted is not None:
@@ -177,4 +200,7 @@ class SnippetTest(unittest.TestCase):
 
 if __name__ == "__main__":
     PROGRAMS = os.path.abspath(sys.argv.pop(1))
-    unittest.main()
+    wrong = build_state.complaints(os.path.dirname(PROGRAMS), ROOT)
+    if wrong:
+        sys.exit("\n".join(wrong))
+    at_once.main()

@@ -15,6 +15,7 @@ import unittest
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.dirname(os.path.realpath(__file__)))
 import support  # noqa: E402
+import at_once  # noqa: E402
 
 EXAMPLE = os.path.join(support.ROOT, "examples", "packages", "hello-update")
 PROGRAMS = None
@@ -200,4 +201,4 @@ class MisbehaviourTest(EndToEndTest):
 
 if __name__ == "__main__":
     PROGRAMS = os.path.abspath(sys.argv.pop(1))
-    unittest.main()
+    at_once.main()

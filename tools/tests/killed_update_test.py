@@ -8,12 +8,12 @@ import signal
 import subprocess
 import sys
 import time
-import unittest
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.dirname(os.path.realpath(__file__)))
 import end_to_end_test as end_to_end  # noqa: E402
 import support  # noqa: E402
+import at_once  # noqa: E402
 
 # A run script that takes its time when it is run for the first time.
 SLOW_ONCE = "[ -e /media/began ] || { echo > /media/began; sleep 60; }\n"
@@ -113,4 +113,4 @@ class KilledUpdateTest(end_to_end.EndToEndTest):
 
 if __name__ == "__main__":
     end_to_end.PROGRAMS = os.path.abspath(sys.argv.pop(1))
-    unittest.main()
+    at_once.main()

@@ -7,11 +7,14 @@ import signal
 import socket
 import ssl
 import subprocess
+import sys
 import tempfile
 import threading
 
 TOOLS = os.path.dirname(os.path.dirname(os.path.realpath(__file__)))
 ROOT = os.path.dirname(TOOLS)
+# What the tests of all languages share.
+sys.path.insert(0, os.path.join(ROOT, "tests", "support"))
 # Longer than anything here takes on a slow machine; reached only by a test that fails.
 PATIENCE = 60
 
@@ -37,8 +40,13 @@ class Server:
 
     # What the first one made: the others start with a copy, since keys and certificates take their time.
     _tls = None
+    _starting = threading.Lock()
 
     def __init__(self, *options, folder=None):
+        with Server._starting:
+            self._start(*options, folder=folder)
+
+    def _start(self, *options, folder):
         self._scratch = None if folder else tempfile.mkdtemp(prefix="update-server-")
         self.folder = folder or self._scratch
         if self._scratch and Server._tls:
