@@ -13,6 +13,7 @@ constexpr int32_t kHardwareVardo2 = 2;
 }  // namespace
 
 ZQNetwork::ZQNetwork(bool /*live*/) : essidList(new zq_List("ESSID List", kSourceTag, __LINE__)) {
+  MakeRoomForProxy();
   ConditionallyEnableProxy();
   ZQUTIL_TRACE("ZQUtil checking for hardware type\n");
   KeyStoreValue type;

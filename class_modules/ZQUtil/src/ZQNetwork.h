@@ -16,7 +16,7 @@ struct stream_descr;
 
 class ZQUTIL_API ZQNetwork {
  public:
-  // Applies the stored proxy to the environment. The flag is not used.
+  // Applies the stored proxy to the environment, before the module has other threads. The flag is not used.
   explicit ZQNetwork(bool live);
   ZQNetwork(const ZQNetwork&) = delete;
   ZQNetwork& operator=(const ZQNetwork&) = delete;
@@ -87,6 +87,10 @@ class ZQUTIL_API ZQNetwork {
   zq_List* essidList;
   // 2 on a Vardo2; anything else is the ordinary device.
   int32_t hardwareType = 0;
+
+ private:
+  // Before the module has other threads.
+  ZQUTIL_HIDDEN static void MakeRoomForProxy();
 };
 
 #endif

@@ -10,6 +10,7 @@
 
 namespace {
 
+constexpr char kVariable[] = "http_proxy";
 constexpr char kHttpPrefix[] = "http://";
 constexpr size_t kHttpPrefixLength = sizeof kHttpPrefix - 1;
 
@@ -43,6 +44,16 @@ void ZQNetwork::setProxy(char* proxy) {
   ConditionallyEnableProxy();
 }
 
+// A variable that is new to the environment moves all of it, and one that goes moves those behind it, while other threads
+// may be looking for theirs. As the last one, with its place already there, it comes and goes without that.
+void ZQNetwork::MakeRoomForProxy() {
+  const char* const held = getenv(kVariable);
+  const std::string value = held != nullptr ? held : "";
+  unsetenv(kVariable);
+  setenv(kVariable, value.c_str(), 1);
+  if (held == nullptr) unsetenv(kVariable);
+}
+
 void ZQNetwork::ConditionallyEnableProxy() {
   const KeyStore store;
   if (!store.Ok()) return;
@@ -51,9 +62,9 @@ void ZQNetwork::ConditionallyEnableProxy() {
   if (proxy.text[0] != '\0' && strcasecmp(enabled.text, "TRUE") == 0) {
     const std::string address = ProxyAddress(proxy.text);
     ZQUTIL_TRACE("ZQUtil Setting an http proxy %s\n", address.c_str());
-    setenv("http_proxy", address.c_str(), 1);
+    setenv(kVariable, address.c_str(), 1);
   } else {
     ZQUTIL_TRACE("ZQUtil removing http proxy info\n");
-    unsetenv("http_proxy");
+    unsetenv(kVariable);
   }
 }

@@ -1,5 +1,6 @@
 // The device's network configuration in the key store: how it is read, and what each set-up stores.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <map>
@@ -527,6 +528,54 @@ TEST_F(ProxyTest, SettersStoreAndApply) {
       OwnTraces(),
       "ZQUtil removing http proxy info\nZQUtil Stripping a carriage return\nZQUtil new string is 10.0.0.1\n"
       "ZQUtil Setting an http proxy http://10.0.0.1\nZQUtil removing http proxy info\n");
+}
+
+// The variables of the process, each in its place, as other threads find them.
+std::vector<const char*> Places() {
+  std::vector<const char*> places;
+  for (char** at = environ; *at != nullptr; ++at) places.push_back(*at);
+  return places;
+}
+
+TEST_F(ProxyTest, ComingAndGoingItMovesNoOtherVariable) {
+  for (const bool inherited : {false, true}) {
+    // As a host is started: the first of its variables, and no room behind the last.
+    char** const before = environ;
+    char first[] = "http_proxy=http://inherited";
+    std::vector<char*> variables;
+    if (inherited) variables.push_back(first);
+    for (char** at = environ; *at != nullptr; ++at) variables.push_back(*at);
+    variables.push_back(nullptr);
+    environ = variables.data();
+    {
+      StoreKey("net.proxyen", "FALSE");
+      const ZQNetwork network(true);
+      char** const place = environ;
+      const std::vector<const char*> others = Places();
+      for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(Applied("p"), "http://p");
+        EXPECT_EQ(environ, place);
+        EXPECT_EQ(std::vector<const char*>(environ, environ + others.size()), others);
+        EXPECT_EQ(Applied("p", "FALSE"), "<none>");
+        EXPECT_EQ(environ, place);
+        EXPECT_EQ(Places(), others);
+      }
+    }
+    environ = before;
+  }
+}
+
+TEST_F(ProxyTest, ANewObjectWithAClosedKeyStoreKeepsWhatTheHostInherited) {
+  Applied("p", "FALSE");
+  const ClosedKeyStore closed;
+  {
+    const ZQNetwork network(true);
+    EXPECT_EQ(Environment(), "<none>");
+  }
+  setenv("http_proxy", "http://inherited", 1);
+  const ZQNetwork network(true);
+  EXPECT_EQ(Environment(), "http://inherited");
+  unsetenv("http_proxy");
 }
 
 TEST_F(ProxyTest, AClosedKeyStoreLeavesTheEnvironmentAsItIs) {
