@@ -407,7 +407,13 @@ TEST_F(NetworkSettingsTest, AClosedKeyStoreStoresNothingAndRestartsNothing) {
     const ClosedKeyStore closed;
     EXPECT_EQ(Network().setWiredNetworkDHCP(), -1);
     WiredStatic("1", "2", "3", "4", "5");
+    ForgetTraces();
     EXPECT_EQ(WirelessStatic("1", "2", "3", "4", "5", "6", "7", "8", "9", "0", 1, "2"), -1);
+    EXPECT_EQ(
+        OwnTraces(),
+        "ZQUtil Writing new values for Wireless Static Network\n"
+        "IP 1 Netmask 2 PDNS 3 SDNS 4 GW 5 ssid 6 netAuth 7 encryption 8 keyType 9 key 0 index1 WPAType 2\n")
+        << "no word of the failure";
     ForgetTraces();
     EXPECT_EQ(WirelessDhcp("1", "2", "3", "4", "5", 1, "2"), -1);
     const std::string traces = OwnTraces();

@@ -134,6 +134,36 @@ TEST_F(RefusalsTest, WithoutMemoryForItsNameAFileIsNotRemoved) {
   EXPECT_TRUE(fs::exists("cache/f"));
 }
 
+// A record that is missing, or has no name, is no network; a store whose text finds no room names none.
+TEST_F(RefusalsTest, WithoutMemoryTheCurrentNetworkIsItselfOrNone) {
+  const std::string none = "Name= Signal=<int 0> Encrypted=<int 0> Connected=<int 0> ";
+  StoreKey("net.essid", "Home");
+  StoreKey("net.wifi", "YES");
+  WriteFile(OnThisMachine("/hw/ra0/link.ini"),
+            "[link]\nup = yes\nassociated = yes\nessid = Home\nlevel = 196\n[address]\nip = 10.0.0.7\n");
+  Object& util = New();
+  const zq_NativeMethod native = engine.ClassObject().methods.at("getESSID").first;
+  std::string seen;
+  bool failed = true;
+  for (int allocations = 0; failed; ++allocations) {
+    zq_Value result = ZQ_VALUE_VOID;
+    g_allocationsUntilFailure = allocations;
+    EXPECT_EQ(native(&util, 0, nullptr, &result), 1);
+    failed = g_allocationsUntilFailure < 0;
+    g_allocationsUntilFailure = -1;
+    std::string answer;
+    const auto& network = *reinterpret_cast<Object*>(result);
+    for (const std::string& name : network.order)
+      answer += name + "=" + engine.Show(network.properties.at(name)) + " ";
+    seen += answer == none ? "none " : answer;
+    ASSERT_LT(allocations, 20);
+  }
+  // The store's text, the record and its name are asked for first, then texts of the address.
+  EXPECT_EQ(seen.substr(0, 20), "none none none Name=") << seen;
+  EXPECT_EQ(seen.substr(seen.rfind("Name")),
+            "Name=Home Signal=<int 54> Encrypted=<int 0> Connected=<int 1> ");
+}
+
 // Every method, with each of its first allocations failing: it ends, and the module lives on.
 TEST_F(RefusalsTest, NoMethodFallsOverAnAllocationThatFails) {
   // A radio whose results are there at once.
