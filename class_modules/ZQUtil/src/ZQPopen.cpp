@@ -27,7 +27,7 @@ class TemporaryFile {
     unlink(path_);
   }
 
-  bool Made() const { return fd_ > 0; }
+  bool Made() const { return fd_ >= 0; }
   const char* Path() const { return path_; }
 
  private:

@@ -114,6 +114,18 @@ TEST_F(PopenTest, ABytelessErrorIsNotMistakenForTheEnd) {
   EXPECT_EQ(Bytes(out), "\xFFx\xFF");
 }
 
+TEST_F(PopenTest, AHostWithoutAStandardInputLeavesItsDescriptorToACapture) {
+  const int kept = dup(STDIN_FILENO);
+  ASSERT_EQ(close(STDIN_FILENO), 0);
+  const bool answer = ZQPopen("echo a", out, nullptr, '|');
+  EXPECT_EQ(close(STDIN_FILENO), -1) << "it is given back";
+  ASSERT_EQ(dup2(kept, STDIN_FILENO), STDIN_FILENO);
+  close(kept);
+  EXPECT_TRUE(answer);
+  EXPECT_EQ(Bytes(out), "a|\xFF");
+  EXPECT_EQ(FilesLeft(), 0);
+}
+
 TEST_F(PopenTest, WithoutRoomForTheFilesNothingRuns) {
   std::filesystem::rename(OnThisMachine("/tmp"), OnThisMachine("/tmp-aside"));
   zq_StringAppend(out, "old");
