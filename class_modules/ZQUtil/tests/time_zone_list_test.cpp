@@ -11,8 +11,26 @@
 #include "file_rights.h"
 #include "time_zone_texts.h"
 #include "zone_tree.h"
+#include "zq_memory.h"
 
 namespace fs = std::filesystem;
+
+// So many of the list's allocations succeed and one then fails; below 0 none does. The module finds these before the
+// platform's own.
+static int g_untilFailure = -1;
+static bool Refused() {
+  return g_untilFailure >= 0 && g_untilFailure-- == 0;
+}
+extern "C" __attribute__((visibility("default"))) void* zq__calloc(size_t count, size_t size,
+                                                                   const char* file, int line) {
+  static const auto next = reinterpret_cast<decltype(&zq__calloc)>(dlsym(RTLD_NEXT, "zq__calloc"));
+  return Refused() ? nullptr : next(count, size, file, line);
+}
+extern "C" __attribute__((visibility("default"))) char* zq__newString(const char* text, const char* file,
+                                                                      int line) {
+  static const auto next = reinterpret_cast<decltype(&zq__newString)>(dlsym(RTLD_NEXT, "zq__newString"));
+  return Refused() ? nullptr : next(text, file, line);
+}
 
 namespace {
 
@@ -243,6 +261,19 @@ TEST_F(TimeZoneListTest, AnotherFoldersFilesAreNoZones) {
   ZQDateTime::ConstructTimeZoneTable(nullptr, &list);
   ZQDateTime::ConstructTimeZoneTable("/usr/share/zoneinfo", nullptr);
   EXPECT_EQ(list.Count(), 0U);
+}
+
+TEST_F(TimeZoneListTest, AZoneThatThereIsNoMemoryForIsLeftOut) {
+  const ZoneTree tree;
+  for (const char* const file : {"Canada/Atlantic", "US/Eastern", "GMT"}) tree.Install(file);
+  // A node, its path and its description for each.
+  for (int allocations = 0; allocations < 9; ++allocations) {
+    g_untilFailure = allocations;
+    const ZQDateTime dateTime(true);
+    EXPECT_LT(g_untilFailure, 0) << "none failed";
+    EXPECT_TRUE(trace.Has("ZQUtil Timezone Node Count 2"));
+  }
+  EXPECT_FALSE(trace.Has("ZQUtil Timezone Node Count 3"));
 }
 
 TEST_F(TimeZoneListTest, ZonesInstalledLaterAreNotSeen) {
