@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
+#include <thread>
 #include <utility>
 
 #include "ZQNetwork.h"
@@ -561,8 +562,9 @@ class RadioTest : public NetworkMethodsTest {
   }
 
   static void SetAir(const std::string& cells) { WriteFile(OnThisMachine(kCells), cells); }
-  static void SetLink(const std::string& joined) {
-    WriteFile(OnThisMachine(kLink), "[link]\nup = yes\n" + joined + "[driver]\nresults_ms = 0\n");
+  static void SetLink(const std::string& joined, const std::string& resultsMs = "0") {
+    WriteFile(OnThisMachine(kLink),
+              "[link]\nup = yes\n" + joined + "[driver]\nresults_ms = " + resultsMs + "\n");
   }
   static void Join() {
     SetLink("associated = yes\nessid = Home\n[address]\nip = 10.0.0.7\n");
@@ -666,6 +668,17 @@ TEST_F(RadioTest, OfBackgroundScansInQuickSuccessionTheLastListenerHearsTheFirst
   Settle();
   EXPECT_EQ(engine.TakeCalls(), "onSSIDList()");
   EXPECT_EQ(Scans(), 3);
+}
+
+TEST_F(RadioTest, WhileAScanIsUnderWayTheCachedListIsEmptyAndThereAtOnce) {
+  EXPECT_EQ(Names("getESSIDList"), "Home,Cafe,");
+  SetLink("", "600000");
+  PostToQueue(kMsgBackgroundScan, 0);
+  while (Scans() < 2) std::this_thread::yield();
+  EXPECT_EQ(Names("getCachedESSIDList"), "");
+  SetLink("");
+  Settle();
+  EXPECT_EQ(Names("getCachedESSIDList"), "Home,Cafe,");
 }
 
 TEST_F(RadioTest, ScriptsReadAndScanWhileTheQueueScans) {
