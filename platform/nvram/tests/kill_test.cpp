@@ -10,10 +10,9 @@
 
 #include "child_process.h"
 #include "nvram_fixture.h"
+#include "storm_rounds.h"
 
 namespace {
-
-constexpr int kRounds = 1000;
 
 class NvramKillTest : public NvramTest {
  protected:
@@ -23,7 +22,7 @@ class NvramKillTest : public NvramTest {
   }
 };
 
-TEST_F(NvramKillTest, AThousandKilledWritersLeaveEveryKeyWhole) {
+TEST_F(NvramKillTest, KilledWritersLeaveEveryKeyWhole) {
   void* memory =
       mmap(nullptr, sizeof(std::atomic<long>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
   ASSERT_NE(memory, MAP_FAILED);
@@ -33,7 +32,7 @@ TEST_F(NvramKillTest, AThousandKilledWritersLeaveEveryKeyWhole) {
   Put("kept", "yes");
   Put("key", ValueOf(0));
   long interrupted = 0;
-  for (int round = 0; round < kRounds && !HasFailure(); ++round) {
+  for (int round = 0; round < kStormRounds && !HasFailure(); ++round) {
     const long before = completed;
     const pid_t child = InChild([&] {
       for (long number = before + 1;; ++number) {

@@ -10,12 +10,12 @@
 #include <random>
 
 #include "ini_helpers.h"
+#include "storm_rounds.h"
 #include "temp_dir.h"
 
 namespace {
 
 constexpr int kWriters = 3;
-constexpr int kRounds = 1000;
 
 // What the writers tell the test: how far each has come. Lives in memory that the processes share.
 struct Progress {
@@ -57,14 +57,14 @@ class IniKillTest : public testing::Test {
   Progress* progress_;
 };
 
-TEST_F(IniKillTest, AThousandKilledWritersLeaveWholeValuesAndNothingElse) {
+TEST_F(IniKillTest, KilledWritersLeaveWholeValuesAndNothingElse) {
   std::mt19937 random(4711);
   std::uniform_int_distribution<int> someMicroseconds(0, 400);
   pid_t children[kWriters];
   for (int writer = 0; writer < kWriters; ++writer) children[writer] = Start(writer, 1);
 
   long interrupted = 0;
-  for (int round = 0; round < kRounds && !HasFailure(); ++round) {
+  for (int round = 0; round < kStormRounds && !HasFailure(); ++round) {
     const int writer = round % kWriters;
     // In the midst of its writes, at any point of one.
     const long seen = progress_->completed[writer];
