@@ -84,7 +84,6 @@ ZQUtil::ZQUtil() : zq_MsgQ(nullptr, nullptr) {
   const int32_t micVolume = Setting("micVolume", 50);
   const int32_t brightness = Setting("brightness", 255);
   softwareUpdateCheckTime = Setting("updateTime", 1800000);
-  myDeviceID = Setting("deviceid", 0);
 
   // With the device-management library installed, updates are its business and periodic checks are held back.
   struct stat status = {};

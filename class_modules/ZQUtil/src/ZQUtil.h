@@ -180,7 +180,8 @@ class ZQUTIL_API ZQUtil : public zq_MsgQ {
   std::atomic<uint32_t> timeDriftSeconds = 0;
 
   static ZQUtil* m_pInstance;
-  // This device's identity at the update server; 0: not yet known.
+  // This device's identity at the update server; 0: the server has not told it since the process began. The settings
+  // file keeps it for others and is not read for it.
   static std::atomic<int32_t> myDeviceID;
   // Milliseconds between periodic update checks.
   static std::atomic<int32_t> softwareUpdateCheckTime;

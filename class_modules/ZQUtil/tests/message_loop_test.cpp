@@ -66,7 +66,8 @@ TEST_F(MessageLoopTest, AQueueStartedMessageForgetsTheDriftReading) {
 }
 
 TEST_F(MessageLoopTest, TheUpdateTimerArmsItselfAgainWithTheStoredPeriodAndChecks) {
-  WriteFile("zqutil.ini", "[config]\nupdateTime=60000\ndeviceid=34\n");
+  WriteFile("zqutil.ini", "[config]\nupdateTime=60000\n");
+  ZQUtil::myDeviceID = 34;  // or the next check would come sooner
   Start();
   Listen();
   Post(ZQ_MSG_TIMER, 0, kTimerSoftwareUpdate);

@@ -74,6 +74,7 @@ ClosedKeyStore::~ClosedKeyStore() {
 
 ModuleTest::ModuleTest() {
   ResetDevice();
+  ZQUtil::myDeviceID = 0;
 }
 
 ModuleTest::~ModuleTest() {

@@ -1,6 +1,4 @@
 // One check for updates: what is asked, what becomes of the answer, and when the next one comes.
-#include <unistd.h>
-
 #include "SoftwareUpdateList.h"
 #include "ZQSoftwareUpdate.h"
 #include "update_fixture.h"
@@ -192,8 +190,21 @@ TEST_F(UpdateCheckTest, ADeviceIdIsKeptAndTheRegularPeriodBegins) {
   EXPECT_NE(traces.find("ZQUtil Not setting a fast timer because deviceId is 34\n"), std::string::npos);
 }
 
-TEST_F(UpdateCheckTest, TheDeviceIdSurvivesARestart) {
+TEST_F(UpdateCheckTest, EachProcessAsksForItsDeviceIdAnewWhateverTheFileSays) {
   WriteFile("zqutil.ini", "[config]\ndeviceid=34\n");
+  Start();
+  EXPECT_EQ(ZQUtil::myDeviceID, 0);
+  server.AnswerBody("<x/>");
+  Check();
+  EXPECT_EQ(Remaining(kTimerSoftwareUpdate), 500U);
+  EXPECT_NE(TakeTraces().find("ZQUtil Setting a fast timer\n"), std::string::npos);
+}
+
+TEST_F(UpdateCheckTest, TheDeviceIdOutlivesTheSingleton) {
+  Start();
+  server.AnswerBody("<x><deviceid yourId=\"34\"/></x>");
+  Check();
+  Drop(*util);
   Start();
   EXPECT_EQ(ZQUtil::myDeviceID, 34);
   server.AnswerBody("<x/>");
@@ -203,9 +214,8 @@ TEST_F(UpdateCheckTest, TheDeviceIdSurvivesARestart) {
 }
 
 TEST_F(UpdateCheckTest, TheSameDeviceIdIsWrittenAgainButSetsNoTimer) {
-  WriteFile("zqutil.ini", "[config]\ndeviceid=34\n");
+  ZQUtil::myDeviceID = 34;
   Start();
-  unlink("zqutil.ini");
   char answer[] = "<x><deviceid yourId=\"34\"/></x>";
   HttpProcessResponse(answer);
   EXPECT_EQ(Remaining(kTimerSoftwareUpdate), ZQ_TIMER_NOT_ARMED);
