@@ -88,11 +88,14 @@ int32_t ZQUtil::BeginUpdate(void* /*self*/, uint32_t argc, zq_Value* argv, zq_Va
 }
 
 void CallUpdateListener(const char* method) {
-  if (void* const listener = updateListener) WorkerRequest().Call(listener, method);
+  if (updateListener == nullptr) return;
+  const WorkerRequest request;
+  // Asked for within the request: a listener that another took the place of before may be gone by now.
+  if (void* const listener = updateListener) request.Call(listener, method);
 }
 
 void CallUpdateListener(const char* method, int32_t number) {
-  if (void* const listener = updateListener) {
-    WorkerRequest().Call(listener, method, {ZQ_VALUE_FROM_INT(number)});
-  }
+  if (updateListener == nullptr) return;
+  const WorkerRequest request;
+  if (void* const listener = updateListener) request.Call(listener, method, {ZQ_VALUE_FROM_INT(number)});
 }

@@ -1,4 +1,6 @@
 // One check for updates: what is asked, what becomes of the answer, and when the next one comes.
+#include <atomic>
+
 #include "SoftwareUpdateList.h"
 #include "ZQSoftwareUpdate.h"
 #include "update_fixture.h"
@@ -279,6 +281,34 @@ TEST_F(UpdateCheckTest, AForcedUpdateIsDownloadedThoughNobodyListens) {
   const std::string traces = TakeTraces();
   EXPECT_NE(traces.find("List\nZQUtil Downloading Update\nZQUtil GetFilenameFromURL "), std::string::npos)
       << traces;
+}
+
+std::atomic<void*> g_next = nullptr;
+std::atomic<void*> g_called = nullptr;
+
+void BeginWithTheNext(void*) {
+  updateListener = g_next.load();
+}
+
+int32_t NoteCalled(void* listener, const char*, uint32_t, zq_Value*, zq_Value*) {
+  g_called = listener;
+  return 1;
+}
+
+TEST_F(UpdateCheckTest, AListenerThatIsReplacedBeforeItsRequestBeginsIsNotCalledAnyMore) {
+  engine.Table()[ZQ_SLOT_BEGIN_REQUEST] = reinterpret_cast<uintptr_t>(BeginWithTheNext);
+  engine.Table()[ZQ_SLOT_CALL_METHOD] = reinterpret_cast<uintptr_t>(NoteCalled);
+  Start();
+  Device("0", "3");
+  char answer[] = "<x><update forced='true' id='1' comment='c' path='http://h/app-1.tgz'/></x>";
+  Object& next = engine.NewObject();
+  for (Object* const replacement : {&next, static_cast<Object*>(nullptr)}) {
+    Listen();
+    g_next = replacement;
+    g_called = nullptr;
+    HttpProcessResponse(answer);
+    EXPECT_EQ(g_called, replacement);
+  }
 }
 
 TEST_F(UpdateCheckTest, WithoutUpdatesAListenerHearsNothing) {
