@@ -111,8 +111,9 @@ void HttpDownloadDisconnected(HTTP* http) {
     CleanUpDownload();
   }
   ZQUTIL_TRACE("ZQUtil Received a disconnect notification from zqwww on downloading an update\n");
+  const bool posted = PostToModule(kMsgHttpObjectDone, reinterpret_cast<uintptr_t>(http));
   updateAvailable = false;
-  if (PostToModule(kMsgHttpObjectDone, reinterpret_cast<uintptr_t>(http))) return;
+  if (posted) return;
   // No queue any more: some thread that is not the object's own must do it.
   zq__beginthread(threadDestroyHttp, http, nullptr, kSourceTag, __LINE__);
 }

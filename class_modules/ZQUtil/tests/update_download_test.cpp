@@ -11,6 +11,7 @@
 #include "ZQSoftwareUpdate.h"
 #include "ZQUpdateDownload.h"
 #include "ZQUpdateInstall.h"
+#include "fault.h"
 #include "run_program.h"
 #include "update_fixture.h"
 #include "update_key_text.h"
@@ -577,6 +578,91 @@ TEST_F(UpdateDownloadTest, AFullDiskIsAFailedDownloadAndNoPackage) {
   EXPECT_FALSE(fs::is_symlink("/tmp/app-full.tgz"));
   EXPECT_TRUE(fs::is_empty("/updates"));
   EXPECT_FALSE(Exists("/tmp/reboot"));
+}
+
+TEST_F(UpdateDownloadTest, ADiskThatFillsUpWhileThePackageIsDecryptedIsNoSuccessAndTheNextTryIsOne) {
+  Start();
+  Device("1", "4");
+  WriteFile("/tmp/packed/plain", GoodPackage());
+  const ProgramResult result = RunProgram(OpenSslWords("-e", "/tmp/packed/plain", "/tmp/packed/cipher"));
+  ASSERT_EQ(result.status, 0) << result.errors;
+  const std::string cipher = ReadFile("/tmp/packed/cipher");
+  testing::internal::CaptureStderr();
+  for (const bool full : {true, false}) {
+    packages.AnswerBody(cipher);
+    server.AnswerBody("");
+    ForgetAwaited();
+    unlink("/tmp/run");
+    TakeTraces();
+    {
+      WriteFile("/tmp/app-1.tgz", "an old one");
+      const Fault fault("/tmp/app-1.tgz", full ? "write:all:ENOSPC" : "");
+      Download(Url("capp-1.tgz"));
+      PassReboot();
+      AwaitEnd();
+    }
+    EXPECT_EQ(TakeTraces().find("\nwrite error\n") != std::string::npos, full);
+    EXPECT_EQ(server.Waiting(), full ? 0U : 1U);
+    EXPECT_FALSE(Exists("/tmp/app-1.tgz"));
+    EXPECT_FALSE(Exists("/tmp/capp-1.tgz"));
+    EXPECT_EQ(StoredKey("upack.key"), "<none>");
+  }
+  testing::internal::GetCapturedStderr();
+}
+
+TEST_F(UpdateDownloadTest, ADiskThatFillsUpWhileThePackageIsCopiedIsNoSuccessAndTheNextTryIsOne) {
+  Start();
+  Device("0", "2");
+  for (const bool full : {true, false}) {
+    packages.AnswerBody("the package");
+    server.AnswerBody("");
+    ForgetAwaited();
+    TakeTraces();
+    {
+      const Fault fault("/updates", full ? "write:all:ENOSPC" : "");
+      Download(Url("app-1.tgz"));
+      AwaitTrace("ZQUtil created /tmp/do_update");
+      AwaitModuleSleeper();
+    }
+    EXPECT_EQ(fs::is_empty("/updates"), full) << "whole or not there";
+    unlink("/tmp/do_update");
+    clock.Advance(seconds(1));
+    PassReboot();
+    AwaitEnd();
+    EXPECT_EQ(TakeTraces().find("ZQUtil could not copy /tmp/app-1.tgz to /updates\n") != std::string::npos,
+              full);
+    EXPECT_EQ(server.Waiting(), full ? 0U : 1U);
+    EXPECT_FALSE(Exists("/tmp/app-1.tgz"));
+  }
+}
+
+TEST_F(UpdateDownloadTest, ABlankInAPackagesNameIsEncodedOnTheWayAndKeptInItsFile) {
+  Start();
+  Device("0", "2");
+  packages.AnswerBody("the package");
+  server.AnswerBody("");
+  Download(Url("app-a b.tgz"));
+  EXPECT_EQ(packages.NextRequest().substr(0, 39), "GET /packages/app-a%20b.tgz HTTP/1.1\r\nH");
+  AwaitTrace("ZQUtil created /tmp/do_update");
+  AwaitModuleSleeper();
+  EXPECT_EQ(ReadFile("/updates/app-a b.tgz"), "the package");
+  unlink("/tmp/do_update");
+  clock.Advance(seconds(1));
+  PassReboot();
+  AwaitEnd();
+  EXPECT_EQ(server.Waiting(), 1U);
+}
+
+TEST_F(UpdateDownloadTest, APackageThatTheShellTakesForTwoIsNotAcknowledged) {
+  Start();
+  Device("1", "4");
+  packages.AnswerBody(GoodPackage());
+  Download(Url("app-a b.tgz"));
+  PassReboot();
+  AwaitEnd();
+  EXPECT_EQ(server.Waiting(), 0U);
+  EXPECT_FALSE(Exists("/tmp/ran"));
+  EXPECT_FALSE(Exists("/tmp/app-a b.tgz"));
 }
 
 TEST_F(UpdateDownloadTest, AnAcknowledgementThatCannotBeDeliveredWaitsInTheKeyStore) {

@@ -214,6 +214,27 @@ TEST_F(UpdateRebootDeathTest, AfterMoreThanFiveUpdatesAFailureRebootsAndEndsTheH
   EXPECT_EQ(StoredSetting("note"), "stored just before");
 }
 
+TEST_F(UpdateRebootDeathTest, AfterMoreThanFiveUpdatesACompletionRebootsTwiceAndEndsTheHost) {
+  EXPECT_EXIT(
+      {
+        Device("1", "4");
+        updateCounter = 6;
+        packages.AnswerBody("no package that could be unpacked");
+        static const std::string url = Url("app-1.tgz");
+        Live([] { DownloadUpdate(url.c_str()); });
+      },
+      testing::ExitedWithCode(9), "");
+  const std::string traces = Trace();
+  const size_t first = traces.find("ZQUtil issuing a reboot\n");
+  const size_t cleanup = traces.find("Calling Cleanup\n", first);
+  const size_t exceeded = traces.find("Rebooting Device due to update retries exceeded\n", cleanup);
+  const size_t second = traces.find("ZQUtil issuing a reboot\n", exceeded);
+  EXPECT_LT(first, cleanup);
+  EXPECT_LT(cleanup, exceeded);
+  EXPECT_LT(exceeded, second);
+  EXPECT_NE(second, std::string::npos);
+}
+
 TEST_F(UpdateRebootTest, FiveUpdatesAreNotTooMany) {
   Start();
   Device("1", "4");
