@@ -1,10 +1,13 @@
 // The network methods of the script class, over the bare service table.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <sstream>
 #include <thread>
+#include <tuple>
 #include <utility>
 
 #include "ZQNetwork.h"
@@ -679,6 +682,81 @@ TEST_F(RadioTest, WhileAScanIsUnderWayTheCachedListIsEmptyAndThereAtOnce) {
   SetLink("");
   Settle();
   EXPECT_EQ(Names("getCachedESSIDList"), "Home,Cafe,");
+}
+
+// A scan of the queue thread that ends when `other` returns, which runs on a thread of its own.
+class SlowRadioTest : public RadioTest {
+ protected:
+  void WhileTheQueueScans(const std::function<void()>& scriptCall, const std::function<void()>& other) {
+    SetLink("", kEndless);
+    PostToQueue(kMsgBackgroundScan, 0);
+    AwaitScans(1);
+    ForgetTraces();
+    std::thread thread([&other] {
+      other();
+      SetLink("");
+    });
+    scriptCall();
+    thread.join();
+    Settle();
+  }
+  static void AwaitScans(int count) {
+    while (Scans() < count) std::this_thread::yield();
+  }
+  void AwaitTrace(const char* text) const {
+    while (!trace.Has(text)) std::this_thread::yield();
+  }
+  // Whether it is traced within a tenth of a second.
+  bool IsTracedSoon(const char* text) const {
+    for (int i = 0; i < 100 && !trace.Has(text); ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return trace.Has(text);
+  }
+
+  static constexpr char kEndless[] = "600000";
+};
+
+TEST_F(SlowRadioTest, AListAskedForWhileAScanIsUnderWayIsThatOfTheNextScan) {
+  WhileTheQueueScans([this] { EXPECT_EQ(Names("getESSIDList"), "Home,Cafe,"); },
+                     [this] { AwaitTrace("ZQUtil GUI Call to GetESSIDList"); });
+  EXPECT_EQ(Scans(), 2);
+}
+
+TEST_F(SlowRadioTest, ASetUpLooksItsNetworkUpWhenTheScanUnderWayHasEnded) {
+  const std::vector<zq_Value> dhcp = Texts({"Home", "OPEN", "DISABLED", "NOKEY", "", "0", ""});
+  const std::vector<zq_Value> fixed =
+      Texts({"1", "2", "3", "4", "5", "Home", "OPEN", "DISABLED", "NOKEY", "", "0", ""});
+  for (const auto& [method, arguments, begins] :
+       {std::tuple("setWirelessNetworkDHCP", dhcp, "ZQUtil Writing new values for Wireless DHCP Network"),
+        std::tuple("setWirelessNetworkStatic", fixed,
+                   "ZQUtil Writing new values for Wireless Static Network")}) {
+    WriteFile(OnThisMachine("/hw/ra0/calls"), "");
+    StoreKey("net.listed", "old");
+    WhileTheQueueScans([&] { Ask(method, arguments); },
+                       [&] { EXPECT_FALSE(IsTracedSoon(begins)) << "it waits"; });
+    EXPECT_TRUE(trace.Has(begins));
+    EXPECT_EQ(StoredKey("net.listed"), "<none>");
+    EXPECT_EQ(Scans(), 1);
+  }
+}
+
+TEST_F(SlowRadioTest, TheCachedListIsThereAtOnceWhileASetUpScans) {
+  for (const auto& [method, arguments] :
+       {std::pair("setWirelessNetworkDHCP", Texts({"Home", "OPEN", "DISABLED", "NOKEY", "", "0", ""})),
+        std::pair("setWirelessNetworkStatic",
+                  Texts({"1", "2", "3", "4", "5", "Home", "OPEN", "DISABLED", "NOKEY", "", "0", ""}))}) {
+    ZQUtil::m_pInstance->network->EmptyESSIDList();
+    WriteFile(OnThisMachine("/hw/ra0/calls"), "");
+    SetLink("", kEndless);
+    std::thread reader([this] {
+      AwaitScans(1);
+      EXPECT_EQ(Names("getCachedESSIDList"), "");
+      SetLink("");
+    });
+    Ask(method, arguments);
+    reader.join();
+    EXPECT_EQ(Names("getCachedESSIDList"), "Home,Cafe,");
+  }
 }
 
 TEST_F(RadioTest, ScriptsReadAndScanWhileTheQueueScans) {
