@@ -596,7 +596,7 @@ TEST_F(UpdateDownloadTest, ADiskThatFillsUpWhileThePackageIsDecryptedIsNoSuccess
     TakeTraces();
     {
       WriteFile("/tmp/app-1.tgz", "an old one");
-      const Fault fault("/tmp/app-1.tgz", full ? "write:all:ENOSPC" : "");
+      const Fault fault(OnThisMachine("/tmp/app-1.tgz"), full ? "write:all:ENOSPC" : "");
       Download(Url("capp-1.tgz"));
       PassReboot();
       AwaitEnd();
@@ -619,7 +619,7 @@ TEST_F(UpdateDownloadTest, ADiskThatFillsUpWhileThePackageIsCopiedIsNoSuccessAnd
     ForgetAwaited();
     TakeTraces();
     {
-      const Fault fault("/updates", full ? "write:all:ENOSPC" : "");
+      const Fault fault(OnThisMachine("/updates"), full ? "write:all:ENOSPC" : "");
       Download(Url("app-1.tgz"));
       AwaitTrace("ZQUtil created /tmp/do_update");
       AwaitModuleSleeper();
