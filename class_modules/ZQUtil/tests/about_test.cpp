@@ -38,7 +38,7 @@ extern "C" __attribute__((visibility("default"))) int nvram_open(int mode, int f
 
 // The sources of the summary's texts, each of which says its own name when the test wants them to, but for one that has
 // nothing to say.
-static bool g_ownNames = false;
+static std::atomic<bool> g_ownNames = false;
 static std::string g_silent;
 #define SOURCE(symbol)                                                           \
   extern "C" __attribute__((visibility("default"))) char* symbol(void* self) {   \

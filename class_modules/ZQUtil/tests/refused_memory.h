@@ -37,6 +37,10 @@ void* operator new(size_t size) {
   if (block == nullptr) throw std::bad_alloc();
   return block;
 }
+// Of the same family as the rest, whatever a sanitizer puts in the library's place.
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+  return RefusedMemory::Refuses(size) ? nullptr : std::malloc(size);
+}
 void operator delete(void* block) noexcept {
   std::free(block);
 }
