@@ -7,7 +7,6 @@
 #include <functional>
 #include <sstream>
 #include <thread>
-#include <tuple>
 #include <utility>
 
 #include "ZQNetwork.h"
@@ -723,13 +722,7 @@ TEST_F(SlowRadioTest, AListAskedForWhileAScanIsUnderWayIsThatOfTheNextScan) {
 }
 
 TEST_F(SlowRadioTest, ASetUpLooksItsNetworkUpWhenTheScanUnderWayHasEnded) {
-  const std::vector<zq_Value> dhcp = Texts({"Home", "OPEN", "DISABLED", "NOKEY", "", "0", ""});
-  const std::vector<zq_Value> fixed =
-      Texts({"1", "2", "3", "4", "5", "Home", "OPEN", "DISABLED", "NOKEY", "", "0", ""});
-  for (const auto& [method, arguments, begins] :
-       {std::tuple("setWirelessNetworkDHCP", dhcp, "ZQUtil Writing new values for Wireless DHCP Network"),
-        std::tuple("setWirelessNetworkStatic", fixed,
-                   "ZQUtil Writing new values for Wireless Static Network")}) {
+  const auto setUp = [this](const char* method, const std::vector<zq_Value>& arguments, const char* begins) {
     WriteFile(OnThisMachine("/hw/ra0/calls"), "");
     StoreKey("net.listed", "old");
     WhileTheQueueScans([&] { Ask(method, arguments); },
@@ -737,7 +730,12 @@ TEST_F(SlowRadioTest, ASetUpLooksItsNetworkUpWhenTheScanUnderWayHasEnded) {
     EXPECT_TRUE(trace.Has(begins));
     EXPECT_EQ(StoredKey("net.listed"), "<none>");
     EXPECT_EQ(Scans(), 1);
-  }
+  };
+  setUp("setWirelessNetworkDHCP", Texts({"Home", "OPEN", "DISABLED", "NOKEY", "", "0", ""}),
+        "ZQUtil Writing new values for Wireless DHCP Network");
+  setUp("setWirelessNetworkStatic",
+        Texts({"1", "2", "3", "4", "5", "Home", "OPEN", "DISABLED", "NOKEY", "", "0", ""}),
+        "ZQUtil Writing new values for Wireless Static Network");
 }
 
 TEST_F(SlowRadioTest, TheCachedListIsThereAtOnceWhileASetUpScans) {
