@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Runs clang-tidy over the sources of a build folder, two at a time.
 
-A source that was found clean is not looked at again until it, a header that it includes, its compile command or
-.clang-tidy changes: its preprocessed text is hashed and the hash kept in the build folder.
+A source that was found clean is not looked at again until it, a header that it includes, its compile command,
+.clang-tidy or the tool changes: its preprocessed text is hashed and the hash kept in the user's cache, where another
+clone of the same sources finds it too.
 """
 
 import concurrent.futures
@@ -34,11 +35,13 @@ def compile_words(command: dict) -> list[str]:
 def preprocessed_hash(command: dict, config: bytes) -> str:
     words = compile_words(command) + ["-E", "-P"]
     text = subprocess.run(words, cwd=command["directory"], capture_output=True, check=True).stdout
-    return hashlib.sha256(config + command["command"].encode() + text).hexdigest()
+    seen = config + command["command"].encode() + text
+    # Where the clone lies makes no difference.
+    return hashlib.sha256(seen.replace(os.getcwd().encode(), b".")).hexdigest()
 
 
-def check(command: dict, build: pathlib.Path, config: bytes) -> tuple[str, str]:
-    stamp = build / "tidy" / preprocessed_hash(command, config)
+def check(command: dict, cache: pathlib.Path, config: bytes) -> tuple[str, str]:
+    stamp = cache / preprocessed_hash(command, config)
     if stamp.exists():
         return command["file"], ""
     result = subprocess.run(
@@ -56,8 +59,10 @@ def check(command: dict, build: pathlib.Path, config: bytes) -> tuple[str, str]:
 
 def main() -> int:
     build = pathlib.Path(sys.argv[1])
-    (build / "tidy").mkdir(exist_ok=True)
-    config = pathlib.Path(".clang-tidy").read_bytes()
+    cache = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache") / "zqutil" / "tidy"
+    cache.mkdir(parents=True, exist_ok=True)
+    version = subprocess.run(["clang-tidy", "--version"], capture_output=True, check=True).stdout
+    config = pathlib.Path(".clang-tidy").read_bytes() + version
     # A source that tests compile too is looked at as the product compiles it: without precompiled headers.
     commands = {
         command["file"]: command
@@ -66,7 +71,7 @@ def main() -> int:
     }
     failed = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        jobs = [pool.submit(check, command, build, config) for command in commands.values()]
+        jobs = [pool.submit(check, command, cache, config) for command in commands.values()]
         for job in concurrent.futures.as_completed(jobs):
             source, report = job.result()
             if report:

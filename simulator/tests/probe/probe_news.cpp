@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <ctime>
+#include <limits>
 
 #include "probe.h"
 
@@ -81,7 +82,7 @@ bool RefusesSettimeofday() {
 }
 
 bool RefusesAdjtime() {
-  const timeval never{INT64_MAX, 0};
+  const timeval never{std::numeric_limits<time_t>::max(), 0};
   return IsRefused(adjtime(&never, nullptr));
 }
 
