@@ -543,6 +543,13 @@ std::vector<const char*> Places() {
   return places;
 }
 
+// A sanitizer's allocator moves what it is asked to keep at its size; the C library's does not.
+void ExpectInPlace([[maybe_unused]] char** place) {
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+  EXPECT_EQ(environ, place);
+#endif
+}
+
 TEST_F(ProxyTest, ComingAndGoingItMovesNoOtherVariable) {
   for (const bool inherited : {false, true}) {
     // As a host is started: the first of its variables, and no room behind the last.
@@ -560,10 +567,10 @@ TEST_F(ProxyTest, ComingAndGoingItMovesNoOtherVariable) {
       const std::vector<const char*> others = Places();
       for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(Applied("p"), "http://p");
-        EXPECT_EQ(environ, place);
+        ExpectInPlace(place);
         EXPECT_EQ(std::vector<const char*>(environ, environ + others.size()), others);
         EXPECT_EQ(Applied("p", "FALSE"), "<none>");
-        EXPECT_EQ(environ, place);
+        ExpectInPlace(place);
         EXPECT_EQ(Places(), others);
       }
     }
