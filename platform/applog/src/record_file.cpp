@@ -24,12 +24,20 @@ class File {
     struct stat status {};
     return fstat(descriptor_, &status) == 0 ? static_cast<size_t>(status.st_size) : 0;
   }
+  // All of it or nothing: half a line would become the beginning of the next one. Sets errno on failure.
   bool Append(const std::string& bytes) const {
+    const size_t before = Size();
     size_t written = 0;
     while (written < bytes.size()) {
       const ssize_t now = write(descriptor_, bytes.data() + written, bytes.size() - written);
       if (now < 0 && errno == EINTR) continue;
-      if (now < 0) return false;
+      if (now < 0) {
+        const int error = errno;
+        // A disk that refuses this, too, keeps the half.
+        [[maybe_unused]] const int undone = ftruncate(descriptor_, static_cast<off_t>(before));
+        errno = error;
+        return false;
+      }
       written += static_cast<size_t>(now);
     }
     return true;

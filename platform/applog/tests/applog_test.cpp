@@ -129,6 +129,56 @@ TEST_F(ApplogTest, AFullDiskIsTracedOnceAndWhatItLostIsCounted) {
             std::string(kStamp) + "-\trecords lost\t3\n" + kStamp + "app\tkept\t-\n");
 }
 
+TEST_F(ApplogTest, ADiskThatTakesItInPiecesLosesNothing) {
+  const Fault fault(folder_.Path(), "write:1:short,write:2:EINTR");
+  EXPECT_EQ(Session([] { Log("kept"); }), std::string(kStamp) + "app\tkept\t-\n");
+  EXPECT_EQ(fault.Calls("write"), 3);
+}
+
+TEST_F(ApplogTest, ADiskThatFillsHalfWayLeavesNoHalfOfALine) {
+  Session([] { Log("before"); });
+  auto fault = std::make_unique<Fault>(folder_.Path(), "write:1:short,write:2:ENOSPC");
+  const std::string before = std::string(kStamp) + "app\tbefore\t-\n";
+  EXPECT_EQ(Session([] { Log("lost"); }), before);
+  fault.reset();
+  EXPECT_EQ(Session([] { Log("kept"); }),
+            before + kStamp + "-\trecords lost\t1\n" + kStamp + "app\tkept\t-\n");
+}
+
+TEST_F(ApplogTest, AFileThatCannotBeWrittenIsTracedAndWhatItLostIsCounted) {
+  const TraceCapture trace;
+  auto fault = std::make_unique<Fault>(folder_.Path(), "open:all:EACCES");
+  EXPECT_EQ(Session([] { Log("lost"); }), "");
+  fault.reset();
+  EXPECT_EQ(trace.Texts(), std::vector<std::string>{"records are lost: Permission denied"});
+  EXPECT_EQ(Session([] { Log("kept"); }),
+            std::string(kStamp) + "-\trecords lost\t1\n" + kStamp + "app\tkept\t-\n");
+}
+
+TEST_F(ApplogTest, AFullFileThatCannotMakeWayGrowsNoFurther) {
+  const TraceCapture trace;
+  const std::string full((1 << 20) - 10, 'x');
+  WriteFile(Path(), full);
+  auto fault = std::make_unique<Fault>(folder_.Path(), "rename:all:EROFS");
+  EXPECT_EQ(Session([] { Log("lost"); }), full);
+  fault.reset();
+  EXPECT_EQ(trace.Texts(), std::vector<std::string>{"records are lost: Read-only file system"});
+  EXPECT_EQ(Session([] { Log("kept"); }),
+            std::string(kStamp) + "-\trecords lost\t1\n" + kStamp + "app\tkept\t-\n");
+  EXPECT_EQ(ReadFile(Path() + ".1"), full);
+}
+
+TEST_F(ApplogTest, AFolderWhoseNameLeavesNoRoomForTheFileIsTraced) {
+  const TraceCapture trace;
+  {
+    const EnvironmentSetting deep("ZQ_CONFIG_DIR", ("/" + std::string(5000, 'd')).c_str());
+    Session([] { Log("lost"); });
+  }
+  EXPECT_EQ(trace.Texts(), std::vector<std::string>{"records are lost: File name too long"});
+  EXPECT_EQ(Session([] { Log("kept"); }),
+            std::string(kStamp) + "-\trecords lost\t1\n" + kStamp + "app\tkept\t-\n");
+}
+
 TEST_F(ApplogTest, AFileThatWouldGrowBeyondAMebibyteMakesWay) {
   const std::string full((1 << 20) - 10, 'x');
   WriteFile(Path(), full);
