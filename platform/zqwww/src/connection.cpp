@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "transport_library.h"
 #include "www_trace.h"
 
 namespace {
@@ -41,7 +42,7 @@ bool Connection::Open(const UrlParts& server, const Route& route, const Trust& t
     if (!WaitToConnect(deadline)) return false;
   }
   if (*result != CURLE_OK) return Fail(*error_ != '\0' ? error_ : curl_easy_strerror(*result));
-  if (curl_easy_getinfo(easy_.get(), CURLINFO_ACTIVESOCKET, &socket_) != CURLE_OK) return Fail("no socket");
+  if (GetCurlInfo(easy_.get(), CURLINFO_ACTIVESOCKET, &socket_) != CURLE_OK) return Fail("no socket");
   if (limits_.exchange.count() > 0) exchangeEnd_ = Clock::now() + limits_.exchange;
   return true;
 }
@@ -55,27 +56,27 @@ bool Connection::Prepare(const UrlParts& server, const Route& route) {
   const std::string proxy = route.way == Route::Way::kProxy
                                 ? "http://" + route.proxyHost + ":" + std::to_string(route.proxyPort)
                                 : "";
-  curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
-  curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, error_);
-  curl_easy_setopt(easy, CURLOPT_CONNECT_ONLY, 1L);
+  SetCurlOption(easy, CURLOPT_NOSIGNAL, 1L);
+  SetCurlOption(easy, CURLOPT_ERRORBUFFER, error_);
+  SetCurlOption(easy, CURLOPT_CONNECT_ONLY, 1L);
   // Also the most that curl_easy_recv reads.
-  curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, static_cast<long>(piece_));
+  SetCurlOption(easy, CURLOPT_BUFFERSIZE, static_cast<long>(piece_));
   // Never HTTP/2: curl_easy_recv of 7.88 crashes when a server chose it.
-  curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-  curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect.count()));
+  SetCurlOption(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+  SetCurlOption(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect.count()));
   // A name that is being looked up does not hold the end up.
-  curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
+  SetCurlOption(easy, CURLOPT_QUICK_EXIT, 1L);
   // "" keeps the library from looking into the environment itself.
-  curl_easy_setopt(easy, CURLOPT_NOPROXY, "");
-  curl_easy_setopt(easy, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-  curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
-  curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
-  curl_easy_setopt(easy, CURLOPT_CAINFO, nullptr);
-  curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr);
-  curl_easy_setopt(easy, CURLOPT_SSL_CTX_FUNCTION, &Connection::TlsContextReady);
-  curl_easy_setopt(easy, CURLOPT_SSL_CTX_DATA, this);
-  return curl_easy_setopt(easy, CURLOPT_URL, url.c_str()) == CURLE_OK &&
-         curl_easy_setopt(easy, CURLOPT_PROXY, proxy.c_str()) == CURLE_OK &&
+  SetCurlOption(easy, CURLOPT_NOPROXY, "");
+  SetCurlOption(easy, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+  SetCurlOption(easy, CURLOPT_SSL_VERIFYPEER, 1L);
+  SetCurlOption(easy, CURLOPT_SSL_VERIFYHOST, 2L);
+  SetCurlOption(easy, CURLOPT_CAINFO, nullptr);
+  SetCurlOption(easy, CURLOPT_CAPATH, nullptr);
+  SetCurlOption(easy, CURLOPT_SSL_CTX_FUNCTION, &Connection::TlsContextReady);
+  SetCurlOption(easy, CURLOPT_SSL_CTX_DATA, this);
+  return SetCurlOption(easy, CURLOPT_URL, url.c_str()) == CURLE_OK &&
+         SetCurlOption(easy, CURLOPT_PROXY, proxy.c_str()) == CURLE_OK &&
          curl_multi_add_handle(multi_.get(), easy) == CURLM_OK;
 }
 
@@ -140,7 +141,7 @@ ssize_t Connection::Receive(char* buffer, size_t size) {
 // The transport library tells no cut from an end.
 bool Connection::Farewell() {
   const curl_tlssessioninfo* session = nullptr;
-  if (curl_easy_getinfo(easy_.get(), CURLINFO_TLS_SSL_PTR, &session) != CURLE_OK) return false;
+  if (GetCurlInfo(easy_.get(), CURLINFO_TLS_SSL_PTR, &session) != CURLE_OK) return false;
   if (session == nullptr || session->internals == nullptr) return false;
   return (SSL_get_shutdown(static_cast<const SSL*>(session->internals)) & SSL_RECEIVED_SHUTDOWN) != 0;
 }

@@ -4,13 +4,7 @@
 #include <openssl/err.h>
 #include <openssl/ssl.h>
 
-#include <cstdarg>
-
 #include "zq_lazy_library.h"
-
-// The header's type checks would stand before the definitions.
-#undef curl_easy_setopt
-#undef curl_easy_getinfo
 
 namespace {
 
@@ -20,6 +14,16 @@ zq_LazyLibrary g_ssl("libssl.so.3");
 zq_LazyLibrary g_crypto("libcrypto.so.3");
 
 }  // namespace
+
+CurlSetOption* FindCurlSetOption() {
+  static auto* const real = reinterpret_cast<CurlSetOption*>(g_curl.Symbol("curl_easy_setopt"));
+  return real;
+}
+
+CurlGetInfo* FindCurlGetInfo() {
+  static auto* const real = reinterpret_cast<CurlGetInfo*>(g_curl.Symbol("curl_easy_getinfo"));
+  return real;
+}
 
 bool LoadTransport() {
   return g_curl.Load() && g_ssl.Load() && g_crypto.Load();
@@ -52,25 +56,6 @@ ZQ_PASS_ON(g_curl, CURLUcode, curl_url_set,
            (CURLU * url, CURLUPart part, const char* text, unsigned int flags), (url, part, text, flags))
 ZQ_PASS_ON(g_curl, CURLUcode, curl_url_get, (CURLU * url, CURLUPart part, char** text, unsigned int flags),
            (url, part, text, flags))
-
-// Their one further argument is a long or a pointer, which are passed alike.
-CURLcode curl_easy_setopt(CURL* easy, CURLoption option, ...) {
-  static auto* const real = reinterpret_cast<decltype(&curl_easy_setopt)>(g_curl.Symbol("curl_easy_setopt"));
-  va_list arguments;
-  va_start(arguments, option);
-  void* const value = va_arg(arguments, void*);
-  va_end(arguments);
-  return real(easy, option, value);
-}
-CURLcode curl_easy_getinfo(CURL* easy, CURLINFO info, ...) {
-  static auto* const real =
-      reinterpret_cast<decltype(&curl_easy_getinfo)>(g_curl.Symbol("curl_easy_getinfo"));
-  va_list arguments;
-  va_start(arguments, info);
-  void* const value = va_arg(arguments, void*);
-  va_end(arguments);
-  return real(easy, info, value);
-}
 
 ZQ_PASS_ON(g_ssl, X509_STORE*, SSL_CTX_get_cert_store, (const SSL_CTX* context), (context))
 ZQ_PASS_ON(g_ssl, int, SSL_get_shutdown, (const SSL* session), (session))
