@@ -62,7 +62,8 @@ Reading ReadNewAddress(ZQUtil& util) {
   util.newInterfaces = false;
   const char* const address = util.network->getCurrentIP();
   const bool given = address != nullptr && *address != '\0';
-  if (given) {
+  // As at the script's end: an empty text is traced as the address that came, and counts for none.
+  if (address != nullptr) {
     ZQUTIL_TRACE("ZQUtil IP Address is %s\n", address);
   } else {
     ZQUTIL_TRACE("ZQUtil did not get an IP Address\n");

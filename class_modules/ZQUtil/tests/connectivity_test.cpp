@@ -243,6 +243,7 @@ TEST_F(ConnectivityTest, EachNewInterfacesNotificationTellsOfTheAddressOnce) {
   NewInterfaces();
   RunSeconds(2);
   EXPECT_EQ(TakeEvents(), "1.0 onBeginDHCP") << "no address yet";
+  EXPECT_NE(Traces().find("num interfaces 1>0\nZQUtil IP Address is \n"), std::string::npos);
   networkFacts.addressIsNull = true;
   NewInterfaces();
   RunSeconds(1);
