@@ -751,6 +751,21 @@ TEST_F(UpdateDownloadTest, AForcedUpdateGoesAllTheWayFromTheCheck) {
             "<begin>,onInstalling()<end><begin>,onInstalling()<end>");
 }
 
+TEST_F(UpdateDownloadTest, ADownloadThatFailsWhileTheSingletonGoesLeavesNothingAndTheNextOneBegins) {
+  for (int round = 0; round < 20; ++round) {
+    Start();
+    Device("0", "2");
+    packages.Answer("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nonly this");
+    ForgetAwaited();
+    Download(Url("app-1.tgz"));
+    packages.NextRequest();
+    Drop(*util);
+    AwaitTrace("ZQUtil Received a disconnect notification from zqwww on downloading an update");
+    EXPECT_FALSE(Exists("/tmp/app-1.tgz"));
+    EXPECT_FALSE(updateAvailable);
+  }
+}
+
 TEST_F(UpdateDownloadTest, ADownloadThatOutlivesTheSingletonEndsByItself) {
   Start();
   Device("0", "2");
