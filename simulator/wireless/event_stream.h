@@ -14,8 +14,8 @@
 #include <cstdint>
 
 struct StreamForm {
-  uint8_t version = 22;  // of the wireless extensions
-  bool wide = true;      // pointers of 64 bits
+  uint8_t version = 22;            // of the wireless extensions
+  bool wide = sizeof(void*) == 8;  // pointers of 64 bits; as the programs have them unless told otherwise
 };
 
 class EventStream {

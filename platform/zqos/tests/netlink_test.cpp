@@ -1,6 +1,7 @@
 // Changes of the machine's network interfaces, in a network of the test's own.
 #include <gtest/gtest.h>
 #include <linux/filter.h>
+#include <linux/net.h>
 #include <linux/seccomp.h>
 #include <sched.h>
 #include <sys/epoll.h>
@@ -200,7 +201,14 @@ void WithoutCall(uint32_t call, uint32_t argument, uint32_t error, const std::fu
 
 TEST(NetlinkTest, AQueueThatCannotWatchSaysSoAndWorks) {
   const TraceCapture trace;
-  WithoutCall(SYS_socket, AF_NETLINK, EAFNOSUPPORT, [] {
+#ifdef SYS_socketcall
+  constexpr uint32_t kCall = SYS_socketcall;  // one call for all of them, by number
+  constexpr uint32_t kArgument = SYS_SOCKET;
+#else
+  constexpr uint32_t kCall = SYS_socket;
+  constexpr uint32_t kArgument = AF_NETLINK;
+#endif
+  WithoutCall(kCall, kArgument, EAFNOSUPPORT, [] {
     RecordingQueue queue;
     queue.Start();
     Post(queue.Handle(), kPost);
