@@ -125,14 +125,12 @@ TEST_F(Zqsim, RefusesAFolderThatIsNoDevice) {
 }
 
 TEST_F(Zqsim, RefusesAFolderThatCannotBeWritten) {
-  constexpr uid_t kNobody = 65534;
-  const uid_t user = geteuid() == 0 ? kNobody : 0;
   fs::permissions(folder_.Path(), static_cast<fs::perms>(0755));
   fs::create_directories(folder_ / "closed/etc");
   fs::permissions(folder_ / "closed", static_cast<fs::perms>(0555));
-  EXPECT_EQ(Create(folder_ / "closed", {.user = user}),
+  EXPECT_EQ(Create(folder_ / "closed", {.obeysModes = true}),
             "1 zqsim: " + (folder_ / "closed") + ": cannot write to the device: Permission denied\n");
-  EXPECT_EQ(Create(folder_ / "closed/new", {.user = user}),
+  EXPECT_EQ(Create(folder_ / "closed/new", {.obeysModes = true}),
             "1 zqsim: " + (folder_ / "closed/new") + ": cannot make the device: Permission denied\n");
   fs::permissions(folder_ / "closed", static_cast<fs::perms>(0755));
 }

@@ -2,8 +2,6 @@
 #ifndef ZQ_TEST_RUN_PROGRAM_H
 #define ZQ_TEST_RUN_PROGRAM_H
 
-#include <sys/types.h>
-
 #include <string>
 #include <vector>
 
@@ -16,7 +14,7 @@ struct ProgramResult {
 struct ProgramSetting {
   std::string folder = {};                    // working folder; empty: this one
   std::vector<std::string> environment = {};  // "NAME=VALUE" sets, "NAME" unsets; the rest is inherited
-  uid_t user = 0;                             // for a test that runs as root: the user to become; 0 stays
+  bool obeysModes = false;                    // files' modes hold for the program though it is root's
 };
 
 // The program is searched for in $PATH. Throws when the system gives no process.

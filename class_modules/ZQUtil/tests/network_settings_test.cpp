@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <list>
 #include <map>
 #include <sstream>
 
@@ -553,8 +554,12 @@ void ExpectInPlace([[maybe_unused]] char** place) {
 TEST_F(ProxyTest, ComingAndGoingItMovesNoOtherVariable) {
   for (const bool inherited : {false, true}) {
     // As a host is started: the first of its variables, and no room behind the last.
-    char** const before = environ;
-    char first[] = "http_proxy=http://inherited";
+    // What setenv changes, it may move and free: the array of before is not to be had back, its copy is.
+    static std::list<std::vector<char*>> copies;
+    std::vector<char*>& kept = copies.emplace_back();
+    for (char** at = environ; *at != nullptr; ++at) kept.push_back(*at);
+    kept.push_back(nullptr);
+    static char first[] = "http_proxy=http://inherited";
     std::vector<char*> variables;
     if (inherited) variables.push_back(first);
     for (char** at = environ; *at != nullptr; ++at) variables.push_back(*at);
@@ -574,7 +579,7 @@ TEST_F(ProxyTest, ComingAndGoingItMovesNoOtherVariable) {
         EXPECT_EQ(Places(), others);
       }
     }
-    environ = before;
+    environ = kept.data();
   }
 }
 
