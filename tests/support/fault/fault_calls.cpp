@@ -7,6 +7,7 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -23,7 +24,24 @@
 
 namespace {
 
-FaultPlan plan;
+// The latest one. Other threads may still ask one that has ended, so all are kept.
+std::atomic<FaultPlan*> latest = nullptr;
+
+FaultPlan* InForce() {
+  FaultPlan* const plan = latest;
+  return plan != nullptr && plan->InForce() ? plan : nullptr;
+}
+
+void EndPlan() {
+  if (FaultPlan* const plan = latest) plan->End();
+}
+
+bool BeginPlan(const char* folder, const char* text) {
+  EndPlan();
+  auto* const plan = new FaultPlan(latest);
+  latest = plan;
+  return plan->Begin(folder, text);
+}
 
 template <typename Function>
 Function Real(const char* name) {
@@ -71,13 +89,15 @@ class Visit {
   Visit(FaultCall call, int fd) {
     Path path;
     const int before = errno;
-    if (plan.InForce() && OfDescriptor(fd, &path)) Ask(call, path);
+    FaultPlan* const plan = InForce();
+    if (plan != nullptr && OfDescriptor(fd, &path)) Ask(*plan, call, path);
     errno = before;
   }
   Visit(FaultCall call, int folderFd, const char* name) {
     Path path;
     const int before = errno;
-    if (plan.InForce() && OfName(folderFd, name, &path)) Ask(call, path);
+    FaultPlan* const plan = InForce();
+    if (plan != nullptr && OfName(folderFd, name, &path)) Ask(*plan, call, path);
     errno = before;
   }
   Visit(const Visit&) = delete;
@@ -97,7 +117,7 @@ class Visit {
   }
 
  private:
-  void Ask(FaultCall call, const Path& path) {
+  void Ask(FaultPlan& plan, FaultCall call, const Path& path) {
     if (!plan.Covers(path.text)) return;
     rule_ = plan.Next(call);
     if (rule_.effect == FaultEffect::kKill) kill(getpid(), SIGKILL);
@@ -113,7 +133,7 @@ class Visit {
 __attribute__((constructor)) void BeginFromEnvironment() {
   const char* folder = getenv("ZQ_FAULT_DIR");
   const char* text = getenv("ZQ_FAULT");
-  if (folder == nullptr || text == nullptr || plan.Begin(folder, text)) return;
+  if (folder == nullptr || text == nullptr || BeginPlan(folder, text)) return;
   // A plan that is not understood must not look like a program that copes with it.
   fprintf(stderr, "ZQ_FAULT: cannot begin \"%s\" in %s\n", text, folder);
   abort();
@@ -124,14 +144,16 @@ __attribute__((constructor)) void BeginFromEnvironment() {
 extern "C" {
 
 ZQ_FAULT_API bool zq_fault_begin(const char* folder, const char* text) {
-  if (folder != nullptr) return plan.Begin(folder, text != nullptr ? text : "");
-  plan.End();
+  if (folder != nullptr) return BeginPlan(folder, text != nullptr ? text : "");
+  EndPlan();
   return true;
 }
 
 ZQ_FAULT_API long zq_fault_calls(const char* call) {
   const auto named = FaultPlan::CallNamed(call);
-  return named ? plan.Calls(*named) : -1;
+  const FaultPlan* const plan = latest;
+  if (!named) return -1;
+  return plan != nullptr ? plan->Calls(*named) : 0;
 }
 
 // The mode is there only when a file may be made.

@@ -46,14 +46,11 @@ std::optional<FaultCall> FaultPlan::CallNamed(std::string_view name) {
 }
 
 bool FaultPlan::Begin(const char* folder, std::string_view plan) {
-  End();
   std::string_view name = folder;
   while (name.size() > 1 && name.ends_with('/')) name.remove_suffix(1);
   if (name.empty() || name.size() >= sizeof named_ || realpath(folder, real_) == nullptr) return false;
   memcpy(named_, name.data(), name.size());
   named_[name.size()] = '\0';
-  ruleCount_ = 0;
-  for (auto& calls : calls_) calls = 0;
   while (!plan.empty()) {
     if (!Add(Take(plan, ','))) return false;
   }

@@ -37,6 +37,9 @@ struct FaultRule {
 // Takes no lock and allocates nothing once begun, so that any thread and any forked child may ask.
 class FaultPlan {
  public:
+  // Keeps the one before it within reach.
+  explicit FaultPlan(FaultPlan* before) : before_(before) {}
+  // Once.
   bool Begin(const char* folder, std::string_view plan);
   void End();
 
@@ -54,6 +57,7 @@ class FaultPlan {
 
   bool Add(std::string_view rule);
 
+  FaultPlan* const before_;
   std::atomic<bool> inForce_{false};
   char named_[PATH_MAX] = {};
   char real_[PATH_MAX] = {};  // the same without links, as descriptors know it
