@@ -268,9 +268,12 @@ TEST_F(AudioTest, AMaximumThatLeaves32BitsWrapsAndTheCardMayRefuse) {
     WriteFile(MixerFile(), VolumeElement(type, maximum) + kSwitchElement + kCaptureElement);
     TakeSoundCalls();
     const ZQAudioVolume volumes(true, 75, 75, 50);
-    EXPECT_NE(TakeSoundCalls().find("write MIXER Master Playback Volume 0 " + asked + "\n"),
-              std::string::npos)
-        << maximum;
+    // The record shows values as longs, which a 32-bit program's are too short for.
+    if (type == "integer" || sizeof(long) == 8) {
+      EXPECT_NE(TakeSoundCalls().find("write MIXER Master Playback Volume 0 " + asked + "\n"),
+                std::string::npos)
+          << maximum;
+    }
     EXPECT_EQ(Mixer(), (asked[0] == '-' ? "1,1" : asked) + " 1,1 7,7") << maximum;
   }
 }

@@ -50,10 +50,11 @@ TEST_F(ScanTest, EveryEventLeavesItsTraces) {
             "GetWPAParams returning because this is not a WPA encrypted device]\n"
             "After GetWPAParams, WPAVersion is 0\n"
             "ZQUtil IWEVCUSTOM\n"
-            "Extra: bcn_int=100\n"
-            "Unknown command 35621\n"
-            "=====\n"
-            "ZQUtil GetESSIDList Adding two, encrypted 1, strength 0 WPA 0 TKIP 0 AES 0\n");
+            "Extra: bcn_int=100\n" +
+                // A 32-bit program's library passes over an event that is nothing but its head.
+                std::string(sizeof(void*) == 8 ? "Unknown command 35621\n" : "") +
+                "=====\n"
+                "ZQUtil GetESSIDList Adding two, encrypted 1, strength 0 WPA 0 TKIP 0 AES 0\n");
 }
 
 TEST_F(ScanTest, OfTwoCellsWithOneNameTheFirstStays) {
