@@ -47,6 +47,7 @@ bool Host::Start(const Options& options, std::string* error) {
   if (fromStdin && !ReadScriptFromStdin(&script_, error)) return false;
   if (!fromStdin && !interactive_ && !ReadScript(options.script, &script_, error)) return false;
 
+  HoldSignals();
   SetUpOutput();
   BecomeScriptThread();
   Runtime::Create();

@@ -4,18 +4,17 @@
 #include <time.h>
 #include <unistd.h>
 
-#include <atomic>
-#include <cerrno>
 #include <cstdint>
 
 #include "runtime.h"
+#include "zq_thread.h"
 
 namespace sorel {
 namespace {
 
 Runtime* g_runtime = nullptr;
 void (*g_restore)() = nullptr;
-std::atomic<uint64_t> g_firstNs{0};
+uint64_t g_firstNs = 0;  // of the first signal; 0: none yet
 
 // One key press reaches a whole process group, and a parent may pass it on besides: that is one request, not
 // two.
@@ -27,29 +26,47 @@ uint64_t NowNs() {
   return static_cast<uint64_t>(now.tv_sec) * 1'000'000'000 + static_cast<uint64_t>(now.tv_nsec);
 }
 
+sigset_t EndingSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGINT);
+  sigaddset(&signals, SIGTERM);
+  return signals;
+}
+
 void OnSignal(int signal) {
-  const int saved = errno;
   const uint64_t now = NowNs();
-  uint64_t first = 0;
-  if (g_firstNs.compare_exchange_strong(first, now)) {
+  if (g_firstNs == 0) {
+    g_firstNs = now;
     g_runtime->RequestExitBySignal(signal);
-  } else if (now - first > kOneRequestNs) {
+  } else if (now - g_firstNs > kOneRequestNs) {
     g_restore();
     _exit(128 + signal);
   }
-  errno = saved;
+}
+
+int32_t AwaitSignals(void* /*ignored*/) {
+  const sigset_t signals = EndingSignals();
+  for (;;) {
+    int signal = 0;
+    if (sigwait(&signals, &signal) == 0) OnSignal(signal);
+  }
 }
 
 }  // namespace
 
+void HoldSignals() {
+  const sigset_t signals = EndingSignals();
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
 void CatchSignals(void (*restore)()) {
   g_runtime = &Runtime::Get();
   g_restore = restore;
-  struct sigaction action {};
-  action.sa_handler = OnSignal;
-  action.sa_flags = SA_RESTART;
-  sigaction(SIGINT, &action, nullptr);
-  sigaction(SIGTERM, &action, nullptr);
+  if (zq__beginthread(AwaitSignals, nullptr, nullptr, "sorel", __LINE__) != 0) return;
+  // Without the thread the first signal ends the process, as for any program.
+  const sigset_t signals = EndingSignals();
+  pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
 }  // namespace sorel

@@ -5,8 +5,10 @@
 
 namespace sorel {
 
-// Once, when the runtime exists. `restore` is called before the process ends on the spot; it must be safe
-// there.
+// First of all, before there are other threads: from here on the signals wait for their one thread and interrupt no
+// other, not the engine's either.
+void HoldSignals();
+// Once, when the runtime exists: starts that thread. `restore` is called before the process ends on the spot.
 void CatchSignals(void (*restore)());
 
 }  // namespace sorel
