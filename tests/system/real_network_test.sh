@@ -5,7 +5,7 @@ set -u
 here=$(cd "$(dirname "$0")" && pwd)
 if [ "${2:-}" != inside ]; then
   unshare --net --mount true 2>/dev/null || {
-    echo "no network of the test's own (unshare --net --mount): needs CAP_SYS_ADMIN; run as root, in a container with --cap-add SYS_ADMIN"
+    echo "no network of the test's own (unshare --net --mount): needs CAP_SYS_ADMIN; run as root, in a container with --cap-add SYS_ADMIN, in a chroot whose root is a mount point (mount --rbind ROOT ROOT)"
     exit 1
   }
   exec unshare --net --mount --fork --pid --kill-child "$0" "$1" inside
