@@ -3,8 +3,8 @@
 # finalizer, the text conversion, and the classes and free functions whose names are fixed.
 #   exports.sh ZQUtil.so
 set -eu
-# A build with the address sanitizer adds marks of its own to each variable.
-strange=$(nm -D --defined-only "$1" | awk '$3 !~ /^__odr_asan/ {print $3}' | c++filt | grep -vE \
+# A build with the address sanitizer adds marks of its own to each variable, one that counts lines its counters' own.
+strange=$(nm -D --defined-only "$1" | awk '$3 !~ /^(__odr_asan|__gcov_|mangle_path$)/ {print $3}' | c++filt | grep -vE \
   '^(MM_(Load|Unload|InitWrapper|TermWrapper|Init|Term)|ZQUtil_[A-Za-z0-9]+|iso_8859_1s_to_utf8s|tztable|(de)?registerFileMonitor)$' | grep -vE \
   '^((typeinfo|vtable|typeinfo name) for )?(ZQUtil|ZQNetwork|ZQAudioVolume|ZQScreen|ZQDateTime)(::|$)' | grep -vE \
   '^(threadConfigWrite|my_nvram_write_key|threadAutoScreenDim|threadRestartNetwork|threadFileMonitor|threadAboutDialog|setslaveadr|native_initialize|native_set_speaker_level)\(' | grep -vE \
