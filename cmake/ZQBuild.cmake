@@ -55,7 +55,8 @@ endif()
 
 option(ZQ_COVERAGE "count executed lines" OFF)
 if(ZQ_COVERAGE)
-  add_compile_options(--coverage -O0)
+  # Not --coverage, which a target that must not count cannot take back.
+  add_compile_options(-fprofile-arcs -ftest-coverage -O0)
   add_link_options(--coverage)
 endif()
 
