@@ -4,6 +4,12 @@
 set -u
 here=$(cd "$(dirname "$0")" && pwd)
 if [ "${2:-}" != inside ]; then
+  for each in ip:iproute2 busybox:busybox dhclient:isc-dhcp-client; do
+    command -v "${each%:*}" >/dev/null || {
+      echo "no ${each%:*}: install the package ${each#*:}"
+      exit 1
+    }
+  done
   unshare --net --mount true 2>/dev/null || {
     echo "no network of the test's own (unshare --net --mount): needs CAP_SYS_ADMIN; run as root, in a container with --cap-add SYS_ADMIN, in a chroot whose root is a mount point (mount --rbind ROOT ROOT)"
     exit 1
@@ -13,7 +19,7 @@ fi
 # shellcheck source=tests/system/expect.sh
 . "$here/expect.sh"
 
-# /etc/resolv.conf, /tmp and /sys are this namespace's own; what is below /tmp otherwise is seen elsewhere.
+# /etc, /tmp and /sys are this namespace's own; what is below /tmp otherwise is seen elsewhere.
 mount --make-rprivate /
 scripts=$folder/scripts
 cp -RL "$1/libexec/zqutil" "$scripts"
@@ -21,8 +27,9 @@ mkdir "$folder/build"
 mount --bind "$1" "$folder/build"
 mount -t sysfs sysfs /sys
 mkdir -p "$folder/bin" "$folder/run" "$folder/tmp"
-: > "$folder/resolv.conf"
-mount --bind "$folder/resolv.conf" /etc/resolv.conf
+cp -a /etc "$folder/etc"
+mount --bind "$folder/etc" /etc
+rm -f /etc/resolv.conf
 mount -t proc proc /proc
 ln -s "$folder/build/bin/nvram" "$folder/bin/nvram"
 ln -s "$(command -v busybox)" "$folder/bin/udhcpc"
@@ -38,8 +45,6 @@ RUN_DIR=$folder/run
 SETTLE_SECONDS=0
 DHCP_SECONDS=6
 JOIN_SECONDS=2
-# /etc/resolv.conf is a mount here, which cannot be replaced.
-replace_file() { cat > "$folder/resolv.conf"; }
 EOF
 # In place of the radio's: notes what it is to join.
 cat > "$folder/bin/wpa_supplicant" <<EOF
@@ -169,6 +174,23 @@ nameserver 198.51.100.3" "$(state)"
 same "with an address that needs no server until then" "deconfig 169.254.17.1/16
 bound 169.254.17.1/16" "$(cat "$folder/meanwhile")"
 kill "$(cat "$folder/udhcpd.pid")" "$(cat "$folder/run/dhcp-ra0.pid")"
+
+# On a board with the other client.
+rm "$folder/bin/udhcpc"
+set_keys net.wifi NO
+ip netns exec there udhcpd -f "$folder/udhcpd.conf" > "$folder/udhcpd.log" 2>&1 &
+restart
+same "an address by dhclient" "eth0 up 192.0.2.100/24
+ra0 down
+default via 192.0.2.1 dev eth0
+nameserver 192.0.2.1
+nameserver 192.0.2.3" "$(state)"
+client=$(cat "$folder/run/dhcp-eth0.pid")
+same "dhclient goes on" yes "$(kill -0 "$client" && echo yes)"
+kill "$(cat "$folder/udhcpd.pid")"
+restart
+same "without an answer nothing of dhclient's is left" "eth0 up${newline}ra0 down" "$(state)"
+await 5 gone || same "dhclient of before is gone" gone there
 
 ip netns del there
 umount "$folder/build"
