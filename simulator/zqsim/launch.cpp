@@ -127,7 +127,7 @@ int Enter(const std::vector<std::string>& command, const fs::path& root, const P
 
   const std::string hostPaths = HostPaths(Environment(kHostPaths), places, *program, command, root);
   setenv(kHostPaths, hostPaths.c_str(), 1);
-  setenv(kPreload, Preloads(Environment(kPreload), places.shim).c_str(), 1);
+  setenv(kPreload, Preloads(Environment(kPreload), places.preload).c_str(), 1);
   setenv("ZQ_DEVICE", root.c_str(), 1);
   setenv("PWD", root.c_str(), 1);
   unsetenv("OLDPWD");

@@ -11,6 +11,8 @@ Places FindPlaces() {
   places.prefix = program.parent_path().parent_path();
   places.shim = places.prefix / "lib" / "libzqsim.so";
   if (!fs::exists(places.shim, error)) places.shim = places.prefix / ZQSIM_LIBRARY_FOLDER / "libzqsim.so";
+  const fs::path ofEachWord = ZQSIM_PRELOAD_FOLDER;
+  places.preload = ofEachWord.empty() ? places.shim : places.prefix / ofEachWord / places.shim.filename();
   places.mixer = places.shim.parent_path() / "libasound_module_ctl_zqsim.so";
   places.sound = places.prefix / "share" / "zqutil" / "asound.conf";
   places.system = places.prefix / "libexec" / "zqutil";
