@@ -183,6 +183,17 @@ TEST_F(Zqsim, FindsTheCommandAsTheCallerWould) {
   EXPECT_EQ(folder.errors, "zqsim: " + folder_.Path().string() + ": Permission denied\n");
 }
 
+TEST_F(Zqsim, ADeviceHasTheToolsBesideThisOneOnItsPath) {
+  const fs::path tools = fs::path(ZQSIM_PROGRAM).parent_path();
+  const auto path = [this](const std::string& before) {
+    return Run({"sh", "-c", "echo $PATH"}, {.environment = {"PATH=" + before}}).output;
+  };
+  EXPECT_EQ(path("/usr/bin:/bin"), tools.string() + ":/usr/bin:/bin\n");
+  EXPECT_EQ(path("/usr/bin:" + tools.string()), "/usr/bin:" + tools.string() + "\n");
+  EXPECT_EQ(Run({"nvram", "set", "key", "kept"}, {.environment = {"PATH=/usr/bin:/bin"}}).status, 0);
+  EXPECT_EQ(Run({"sh", "-c", "nvram get key"}, {.environment = {"PATH=/usr/bin:/bin"}}).output, "kept\n");
+}
+
 TEST_F(Zqsim, KeepsWhatWasPreloadedAndTheOthersHostPaths) {
   const std::string_view runtime = ZQSIM_SANITIZER_RUNTIME;
   const std::string first = runtime.empty() ? "" : std::string(runtime) + ":";

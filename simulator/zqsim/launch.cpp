@@ -116,12 +116,20 @@ std::string Preloads(const std::string& before, const fs::path& shim) {
   return libraries;
 }
 
+void PutToolsOnPath(const Places& places) {
+  const std::string tools = (places.prefix / "bin").string();
+  const std::string before = Environment("PATH");
+  if ((":" + before + ":").find(":" + tools + ":") != std::string::npos) return;
+  setenv("PATH", (before.empty() ? tools : tools + ":" + before).c_str(), 1);
+}
+
 int Enter(const std::vector<std::string>& command, const fs::path& root, const Places& places,
           fs::path* program) {
   if (access(places.shim.c_str(), R_OK) != 0) return Complain(places.shim, strerror(errno), 1);
   if (places.shim.native().find_first_of(": ") != std::string::npos) {
     return Complain(places.shim, "cannot be preloaded from a folder with a blank or colon in its path", 1);
   }
+  PutToolsOnPath(places);
   *program = FindProgram(command.front(), root);
   if (program->empty()) return Complain(command.front(), "not found", 127);
 

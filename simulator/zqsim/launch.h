@@ -22,6 +22,10 @@ std::string HostPaths(const std::string& before, const Places& places, const std
 // there.
 std::string Preloads(const std::string& before, const std::filesystem::path& shim);
 
+// The tools that are installed beside this one are a device's on its PATH: before the machine's of the same names,
+// unless the caller has them there already.
+void PutToolsOnPath(const Places& places);
+
 // Puts this process on the device: environment and working folder. `program` becomes what Become needs. 0, or the exit
 // status of a failure: 127 when there is no such program, 1 when the device cannot be entered; one line on stderr says
 // why.

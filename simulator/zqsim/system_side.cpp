@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "keeper.h"
+#include "launch.h"
 
 namespace fs = std::filesystem;
 
@@ -18,10 +19,7 @@ namespace {
 
 // The scripts find the device's tools as they would on a board; the device's own word on how the board works counts.
 void PrepareEnvironment(const fs::path& root, const Places& places) {
-  const char* const before = getenv("PATH");
-  const std::string path =
-      (places.prefix / "bin").string() + (before != nullptr ? std::string(":") + before : "");
-  setenv("PATH", path.c_str(), 1);
+  PutToolsOnPath(places);
   std::error_code error;
   if (fs::exists(root / "etc/zq/board.sh", error)) {
     unsetenv("ZQ_BOARD");
