@@ -49,6 +49,10 @@ class MakeUpdateTest(unittest.TestCase):
         self.assertEqual(len(done.stderr.splitlines()), 1, done.stderr)
         self.assertEqual(os.listdir(self.out), [])
 
+    def test_folder_for_the_package_is_made_when_missing(self):
+        self.out = os.path.join(self.scratch, "server", "packages")
+        self.assertEqual(self.made(), os.path.join(self.out, "app-new.tgz"))
+
     def test_plain_package_is_named_after_its_folder_and_unpacks_to_it(self):
         path = self.made()
         self.assertEqual(path, os.path.join(self.out, "app-new.tgz"))
@@ -149,9 +153,9 @@ class MakeUpdateTest(unittest.TestCase):
         self.refused(self.make("--encrypt", "--key-file", "/no/file"), "cannot read the cipher key")
 
     def test_refused_write_leaves_nothing_behind(self):
-        gone = os.path.join(self.out, "gone")
-        done = support.run(MAKE_UPDATE, "-o", gone, self.folder)
-        self.refused(done, f"cannot write {gone}")
+        below_a_file = os.path.join(self.folder, "run", "out")
+        done = support.run(MAKE_UPDATE, "-o", below_a_file, self.folder)
+        self.refused(done, f"cannot write {below_a_file}")
 
     def test_archive_has_no_name_or_time_of_its_own(self):
         header = contents(self.made())[:10]

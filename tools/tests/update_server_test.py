@@ -188,6 +188,11 @@ class UpdateServerTest(unittest.TestCase):
         self.offer()
         self.assertEqual(self.offered(), [7, 3])
 
+    def test_of_two_sections_with_one_name_the_later_lines_count(self):
+        self.offer(TWO_OFFERS + "[server]\ndeviceid = 5\n[server]\ndeviceid = 9\n")
+        self.assertEqual(self.offered(), [7, 3])
+        self.assertIn(b'yourId="9"', body_of(self.server.check()))
+
     def test_server_with_senseless_settings_does_not_start(self):
         with tempfile.TemporaryDirectory() as folder:
             support.write(os.path.join(folder, "faults.ini"), "[check]\nfault = typo\n")

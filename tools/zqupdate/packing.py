@@ -16,10 +16,11 @@ def check_name(name):
 
 
 def make(folder, out_folder, name, cipher_key=None, mtime=None):
-    """Makes the package and returns its path; encrypted when there is a key."""
+    """Makes the package, and its folder when missing, and returns its path; encrypted when there is a key."""
     check_name(name)
     target = os.path.join(out_folder, (ENCRYPTED if cipher_key else PLAIN) + name + ".tgz")
     try:
+        os.makedirs(out_folder, exist_ok=True)
         with tempfile.TemporaryDirectory(prefix=".make-update-", dir=out_folder) as scratch:
             made = os.path.join(scratch, "package")
             archive.pack(folder, made, mtime)

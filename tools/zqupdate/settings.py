@@ -47,7 +47,8 @@ def read_ini(path, template):
     if not os.path.exists(path):
         with open(path, "w", encoding="utf-8") as file:
             file.write(template)
-    parser = configparser.ConfigParser(interpolation=None, delimiters=("=",), comment_prefixes=("#", ";"))
+    # Who adds a section at the end that is there already means the last one.
+    parser = configparser.ConfigParser(interpolation=None, delimiters=("=",), comment_prefixes=("#", ";"), strict=False)
     try:
         with open(path, encoding="utf-8") as file:
             parser.read_file(file)
