@@ -70,8 +70,7 @@ class EndToEndTest(unittest.TestCase):
     def environment(self):
         # The server's folder is the machine's, although a device has a /tmp of its own.
         environment = {**os.environ, "ZQ_CA_FILE": self.server.said["ca-file"], "ZQ_TRACE": "off",
-                       "ZQ_SIM_HOST_PATHS": self.server.folder,
-                       "PATH": PROGRAMS + os.pathsep + os.environ["PATH"]}
+                       "ZQ_SIM_HOST_PATHS": self.server.folder}
         for name_of_proxy in ("http_proxy", "no_proxy", "https_proxy"):
             environment.pop(name_of_proxy, None)
         return environment

@@ -7,8 +7,6 @@ root=$(cd "$(dirname "$0")/../.." && pwd)
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 device=$folder/device
-# Where a board has the tool installed.
-PATH=$programs:$PATH
 
 on_device() { "$programs/zqsim" run "$device" -- "$@"; }
 fail() {
