@@ -1,4 +1,5 @@
-// The application-log library: installed, another one, and none.
+// The application-log library: installed, another one, one that is something else, and none.
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -138,13 +139,50 @@ class NoAppLogTest : public AppLogTest {
   NoAppLogTest() { ChooseAppLogLibrary(AppLogLibrary::kMissing); }
 };
 
-TEST_F(NoAppLogTest, TheModuleIsLoadedAllTheSame) {
+TEST_F(NoAppLogTest, TheModuleAnswersZeroAndItsEndLogsStartAndEndOnly) {
   EXPECT_EQ(Load(), 0);
+  engine.TakeLog();
   EXPECT_EQ(MM_TermWrapper(), 0);
+  EXPECT_EQ(engine.TakeLog(), "ZQUtil MM_Term start\nZQUtil MM_Term end\n");
+}
+
+TEST_F(NoAppLogTest, NothingIsTracedAsAFailure) {
+  Load();
+  MM_TermWrapper();
+  EXPECT_FALSE(trace.Lines().empty());
+  for (const TraceLine& line : trace.Lines()) EXPECT_EQ(line.level, 10000) << line.text;
 }
 
 TEST_F(NoAppLogTest, LoggingIsOff) {
   Start();
+  EXPECT_EQ(ZQUtil::m_pInstance->appLogActivity, nullptr);
+  EXPECT_EQ(Log({S("Radio"), S("play")}), "1 ");
+  EXPECT_EQ(Traces(), std::string(kCalled) + "ZQUtil Application Logging Disabled\n");
+}
+
+class StrangeAppLogTest : public AppLogTest {
+ protected:
+  StrangeAppLogTest() { ChooseAppLogLibrary(AppLogLibrary::kWithoutSymbols); }
+
+  static bool IsLoaded() {
+    void* const library = dlopen(OTHER_LIBRARY, RTLD_LAZY | RTLD_NOLOAD);
+    if (library != nullptr) dlclose(library);
+    return library != nullptr;
+  }
+};
+
+TEST_F(StrangeAppLogTest, ALibraryWithoutTheEntryPointsIsLoadedAndLetGo) {
+  EXPECT_EQ(Load(), 0);
+  EXPECT_TRUE(IsLoaded());
+  engine.TakeLog();
+  EXPECT_EQ(MM_TermWrapper(), 0);
+  EXPECT_FALSE(IsLoaded());
+  EXPECT_EQ(engine.TakeLog(), "ZQUtil MM_Term start\nZQUtil MM_Term end\n");
+}
+
+TEST_F(StrangeAppLogTest, LoggingIsOff) {
+  Start();
+  EXPECT_TRUE(IsLoaded());
   EXPECT_EQ(ZQUtil::m_pInstance->appLogActivity, nullptr);
   EXPECT_EQ(Log({S("Radio"), S("play")}), "1 ");
   EXPECT_EQ(Traces(), std::string(kCalled) + "ZQUtil Application Logging Disabled\n");

@@ -140,11 +140,7 @@ TEST_F(EntryPointsTest, TracesItsStartBeforeThereIsATraceInstance) {
   EXPECT_EQ(trace.Texts().front(), "ZQUtil MM_Init");
 }
 
-TEST_F(EntryPointsTest, AnswersZeroWithoutTheApplicationLogLibrary) {
-  EXPECT_EQ(Load(), 0);
-}
-
-TEST_F(EntryPointsTest, TermWithoutTheApplicationLogLibraryLogsStartAndEndOnly) {
+TEST_F(EntryPointsTest, TermLogsItsStartAndEndAndNothingElse) {
   Load();
   engine.TakeLog();
   EXPECT_EQ(MM_TermWrapper(), 0);
@@ -221,11 +217,6 @@ TEST_F(EntryPointsTest, EachRowCarriesItsOwnWrapper) {
     EXPECT_EQ(engine.ClassObject().methods.at(name).first, native) << name;
   }
   EXPECT_EQ(engine.ClassObject().methods.size(), kAllWrappersCount);
-}
-
-TEST_F(EntryPointsTest, AMissingApplicationLogLibraryIsNoFailure) {
-  Load();
-  for (const TraceLine& line : trace.Lines()) EXPECT_EQ(line.level, 10000) << line.text;
 }
 
 TEST_F(EntryPointsTest, TheModulesEndLeavesALivingObjectWhatItNeeds) {

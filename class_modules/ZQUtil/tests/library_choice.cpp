@@ -4,19 +4,23 @@
 
 #include <string_view>
 
+#include "zq_file.h"
+
 namespace {
 
 AppLogLibrary g_library = AppLogLibrary::kPlatforms;
 
-const char* Chosen(const char* path) {
-  if (path == nullptr || !std::string_view(path).ends_with("libzqapplog.so")) return path;
+const char* Chosen(const char* name) {
+  if (name == nullptr || std::string_view(name) != "libzqapplog.so") return name;
   switch (g_library) {
     case AppLogLibrary::kStub:
       return APPLOG_STUB;
+    case AppLogLibrary::kWithoutSymbols:
+      return OTHER_LIBRARY;
     case AppLogLibrary::kMissing:
       return "/nowhere/libzqapplog.so";
     default:
-      return path;
+      return name;
   }
 }
 
@@ -26,8 +30,8 @@ void ChooseAppLogLibrary(AppLogLibrary library) {
   g_library = library;
 }
 
-// Stands before the C library's for the whole program.
-extern "C" __attribute__((visibility("default"))) void* dlopen(const char* path, int flags) noexcept {
-  static const auto next = reinterpret_cast<void* (*)(const char*, int)>(dlsym(RTLD_NEXT, "dlopen"));
-  return next(Chosen(path), flags);
+// Stands before the platform's for the whole program.
+void* zq_LoadLibrary(const char* name) {
+  static const auto next = reinterpret_cast<decltype(&zq_LoadLibrary)>(dlsym(RTLD_NEXT, "zq_LoadLibrary"));
+  return next(Chosen(name));
 }
