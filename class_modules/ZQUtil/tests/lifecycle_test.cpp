@@ -12,6 +12,7 @@
 #include "audio_volume.h"
 #include "fault.h"
 #include "module_fixture.h"
+#include "watched_objects.h"
 #include "zq_file.h"
 #include "zq_timer.h"
 
@@ -140,12 +141,27 @@ TEST_F(LifecycleTest, AFreshSingletonStartsWithEmptyHands) {
     EXPECT_EQ(singleton.connectivityListener, nullptr);
     EXPECT_FALSE(singleton.connectivityReported);
     EXPECT_EQ(singleton.getessidListener, nullptr);
+    EXPECT_FALSE(singleton.newInterfaces);
     EXPECT_EQ(singleton.interfaceWaits, 0);
     singleton.aboutListener = singleton.connectivityListener = singleton.getessidListener = &object;
     singleton.connectivityReported = true;
+    singleton.newInterfaces = true;
     singleton.interfaceWaits = 5;
     Drop(object);
   }
+}
+
+TEST_F(LifecycleTest, LetsItsPartsGoInTheOrderInWhichItMadeThem) {
+  Object& object = New();
+  Settle();
+  const ZQUtil& singleton = *ZQUtil::m_pInstance;
+  const WatchedObjects parts({{"dateTime", singleton.dateTime},
+                              {"screen", singleton.screen},
+                              {"audioVolume", singleton.audioVolume},
+                              {"network", singleton.network},
+                              {"singleton", &singleton}});
+  Drop(object);
+  EXPECT_EQ(parts.Gone(), "network audioVolume screen dateTime singleton ");
 }
 
 TEST_F(LifecycleTest, EndsWithoutTheParts) {
