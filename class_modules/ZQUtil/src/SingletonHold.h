@@ -21,7 +21,7 @@ class SingletonHold {
   ZQUtil* singleton_;
 };
 
-// The singleton is whole: holds can be had. Script thread.
+// The singleton is whole: holds can be had. The thread that builds it.
 void BeginSingletonHolds(ZQUtil* singleton);
 // None can be had from now on; returns when the last is given back. Script thread.
 void EndSingletonHolds();

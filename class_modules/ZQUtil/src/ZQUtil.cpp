@@ -32,6 +32,10 @@ namespace {
 constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtil";
 // In place of the count while the singleton is being destroyed.
 constexpr int32_t kEnding = std::numeric_limits<int32_t>::min();
+// Of the threads that find no singleton one builds it; the others wait.
+enum Life : uint32_t { kNone, kBeginning, kLiving };
+std::atomic<uint32_t> g_life = kNone;
+
 constexpr char kDeviceManagementLibrary[] = "/brimvale/sorel/libzqdms.so";
 
 int32_t Setting(const char* key, int32_t fallback) {
@@ -50,6 +54,32 @@ void TraceVolumeInfo() {
                static_cast<int32_t>(availableKb * 1024U));
 }
 
+// The end of the building, also of one that found no memory: the next thread that asks builds then.
+class Beginning {
+ public:
+  Beginning() = default;
+  Beginning(const Beginning&) = delete;
+  Beginning& operator=(const Beginning&) = delete;
+  ~Beginning() {
+    g_life = ZQUtil::m_pInstance != nullptr ? kLiving : kNone;
+    g_life.notify_all();
+  }
+};
+
+// Whoever calls has counted itself: the singleton does not go meanwhile.
+void BuildOrAwait() {
+  for (;;) {
+    uint32_t life = kNone;
+    if (g_life.compare_exchange_strong(life, kBeginning)) {
+      const Beginning beginning;
+      ZQUtil::m_pInstance = new ZQUtil;
+      return;
+    }
+    if (life == kLiving) return;
+    g_life.wait(kBeginning);
+  }
+}
+
 }  // namespace
 
 ZQUtil* ZQUtil::Instance() {
@@ -57,7 +87,7 @@ ZQUtil* ZQUtil::Instance() {
   do {
     if (count == kEnding) return nullptr;
   } while (!ZQUtilInstanceCount.compare_exchange_weak(count, count + 1));
-  if (m_pInstance == nullptr) m_pInstance = new ZQUtil;
+  BuildOrAwait();
   if (ZQUtilTraceInstance != 0) ZQUTIL_TRACE("Creating ZQUtil Instance, count is %d\n", count + 1);
   return m_pInstance;
 }
@@ -70,6 +100,7 @@ void ZQUtil::Dereference() {
   if (!ZQUtilInstanceCount.compare_exchange_strong(count, kEnding)) return;
   delete m_pInstance;
   m_pInstance = nullptr;
+  g_life = kNone;
   ZQUtilInstanceCount = count;
 }
 

@@ -39,9 +39,9 @@ extern std::atomic<uint32_t> ZQUtilMsgQHandle;
 
 class ZQUTIL_API ZQUtil : public zq_MsgQ {
  public:
-  // The singleton, built by the first call; every call counts one sharer more. Script thread, or a listener's script
-  // on a thread of the module. Null, and nothing counted, while the last finalizer destroys the singleton on the
-  // script thread: the module begins again when that is done.
+  // The singleton, built by the first call, which others on other threads wait for; every call counts one sharer more.
+  // Script thread, or a listener's script on a thread of the module. Null, and nothing counted, while the last
+  // finalizer destroys the singleton on the script thread: the module begins again when that is done.
   static ZQUtil* Instance();
   // One sharer less; the last one destroys the singleton. Script thread only.
   static void Dereference();

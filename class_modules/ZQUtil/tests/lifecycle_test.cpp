@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <regex>
 #include <string>
+#include <thread>
 
 #include "ZQDateTime.h"
 #include "ZQNetwork.h"
@@ -187,6 +188,32 @@ TEST_F(LifecycleTest, OneDereferenceTooManyDoesNoHarm) {
   ZQUtil::Instance();  // and the count is as it was for the tests that follow
   ZQUtil::Instance();
   ZQUtil::Dereference();
+}
+
+// Listeners' scripts on threads of the module, and the script's own.
+TEST_F(LifecycleTest, ThreadsThatConstructAtOnceShareOneSingleton) {
+  Object& first = New();
+  Settle();
+  std::vector<ZQUtil*> shared(4);
+  {
+    // The construction waits for the write that is under way: the other threads come meanwhile.
+    const Fault slow(OnThisMachine(""), "fsync:all:stall:100");
+    engine.Answer(first, "setContrast", {N(9)});
+    Drop(first);
+    ForgetTraces();
+    std::vector<std::thread> threads;
+    for (ZQUtil*& mine : shared) threads.emplace_back([&mine] { mine = ZQUtil::Instance(); });
+    for (std::thread& thread : threads) thread.join();
+    Settle();
+  }
+  EXPECT_NE(ZQUtil::m_pInstance, nullptr);
+  EXPECT_EQ(shared, std::vector<ZQUtil*>(4, ZQUtil::m_pInstance));
+  const std::string all = Traces();
+  const size_t created = all.find("ZQUtil Created All Objects\n");
+  EXPECT_NE(created, std::string::npos);
+  EXPECT_EQ(all.find("ZQUtil Created All Objects\n", created + 1), std::string::npos) << all;
+  for (size_t i = 0; i < shared.size(); ++i) ZQUtil::Dereference();
+  EXPECT_EQ(ZQUtil::m_pInstance, nullptr);
 }
 
 // A listener's script that runs on the queue thread while the last object goes.
