@@ -101,13 +101,14 @@ TEST_F(ApplogTest, SessionsAppend) {
 }
 
 TEST_F(ApplogTest, ASlowDiskHoldsNobodyUpAndWhatIsLostIsCounted) {
-  const Fault fault(folder_.Path(), "write:1:stall:300");
+  auto fault = std::make_unique<Fault>(folder_.Path(), "write:1:hold");
   const std::string lines = Session([&] {
     EXPECT_EQ(Log("first"), 0);
-    while (fault.Calls("write") == 0) std::this_thread::yield();
+    while (fault->Calls("write") == 0) std::this_thread::yield();
     for (int i = 0; i < 1000; ++i) EXPECT_EQ(Log("waits"), 0);
     EXPECT_EQ(Log("lost"), -1);
     EXPECT_EQ(Log("lost"), -1);
+    fault.reset();
   });
   std::string expected = std::string(kStamp) + "app\tfirst\t-\n" + kStamp + "-\trecords lost\t2\n";
   for (int i = 0; i < 1000; ++i) expected += std::string(kStamp) + "app\twaits\t-\n";

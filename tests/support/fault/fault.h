@@ -18,6 +18,7 @@
 //   an errno name  the call does nothing and fails with it; a close closes all the same
 //   short          a read or write of several bytes moves half of them
 //   stall:MS       the call takes so many real milliseconds more
+//   hold           the call waits until the plan ends
 //   kill           the process is killed (SIGKILL) in place of the call
 //   then-kill      the process is killed right after the call
 // CALL is one of
@@ -37,7 +38,7 @@ __attribute__((visibility("default"))) bool zq_fault_begin(const char* folder, c
 __attribute__((visibility("default"))) long zq_fault_calls(const char* call);
 }
 
-// At most one at a time; made and ended while no other thread touches files of the folder.
+// At most one at a time; made and ended while no other thread touches files of the folder, but for calls that it holds.
 class Fault {
  public:
   // An empty plan only counts. A plan that cannot be read throws std::invalid_argument.

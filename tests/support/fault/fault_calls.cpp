@@ -54,6 +54,12 @@ Function Real(const char* name) {
     return function;                                             \
   }())
 
+void Rest(long milliseconds) {
+  timespec rest{milliseconds / 1000, (milliseconds % 1000) * 1000000L};
+  while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
+  }
+}
+
 // Room for "/proc/self/fd/N/" and a path.
 struct Path {
   char text[PATH_MAX + 32];
@@ -121,10 +127,8 @@ class Visit {
     if (!plan.Covers(path.text)) return;
     rule_ = plan.Next(call);
     if (rule_.effect == FaultEffect::kKill) kill(getpid(), SIGKILL);
-    if (rule_.effect != FaultEffect::kStall) return;
-    timespec rest{rule_.number / 1000, (rule_.number % 1000) * 1000000L};
-    while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
-    }
+    if (rule_.effect == FaultEffect::kStall) Rest(rule_.number);
+    while (rule_.effect == FaultEffect::kHold && plan.InForce()) Rest(1);
   }
 
   FaultRule rule_{FaultCall::kOpen, 0, FaultEffect::kNone, 0};

@@ -71,6 +71,8 @@ bool FaultPlan::Add(std::string_view text) {
   const std::string_view effect = Take(text, ':');
   if (effect == "short") {
     rule.effect = FaultEffect::kShort;
+  } else if (effect == "hold") {
+    rule.effect = FaultEffect::kHold;
   } else if (effect == "kill") {
     rule.effect = FaultEffect::kKill;
   } else if (effect == "then-kill") {

@@ -25,7 +25,7 @@ enum class FaultCall {
   kCount
 };
 
-enum class FaultEffect { kNone, kError, kShort, kStall, kKill, kThenKill };
+enum class FaultEffect { kNone, kError, kShort, kStall, kHold, kKill, kThenKill };
 
 struct FaultRule {
   FaultCall call;
