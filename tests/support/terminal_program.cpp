@@ -72,6 +72,12 @@ void TerminalProgram::Signal(int number) const {
   kill(child_, number);
 }
 
+bool TerminalProgram::HasEnded() const {
+  siginfo_t info{};
+  return waitid(P_PID, static_cast<id_t>(child_), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+         info.si_pid == child_;
+}
+
 int TerminalProgram::AwaitEnd() {
   while (ReadMore()) {
   }
@@ -97,9 +103,7 @@ bool TerminalProgram::ReadMore() {
       screen_.append(bytes, static_cast<size_t>(count));
       return true;
     }
-    siginfo_t info{};
-    if (waitid(P_PID, static_cast<id_t>(child_), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-        info.si_pid == child_) {
+    if (HasEnded()) {
       ready.revents = 0;
       if (poll(&ready, 1, 0) == 0) return false;
     }

@@ -22,8 +22,8 @@ class TerminalProgram {
   bool Await(const std::string& text);
   void Type(const std::string& keys);
   void Signal(int number) const;
-  // The process; -1 after AwaitEnd.
-  pid_t Id() const { return child_; }
+  // Whether it has ended, without waiting.
+  bool HasEnded() const;
   // Waits for the end; the exit status, or minus the signal's number.
   int AwaitEnd();
   // All that was shown.
