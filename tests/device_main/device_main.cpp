@@ -1,13 +1,13 @@
 // A test program that runs on a simulated device of its own: it starts itself again on a fresh one, which is
 // gone when it ends. Works under ctest and by hand alike.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
 
+#include "child_process.h"
 #include "temp_dir.h"
 
 namespace {
@@ -29,19 +29,15 @@ int RunOnDevice(char** argv) {
   words.push_back(self.data());
   for (int i = 1; argv[i] != nullptr; ++i) words.push_back(argv[i]);
   words.push_back(nullptr);
-  const pid_t child = fork();
-  if (child == 0) {
+  const int status = AwaitChild(InChild([&] {
     // GoogleTest's other way to start a process for a death test gives it two pages of stack.
     setenv("GTEST_DEATH_TEST_USE_FORK", "1", 1);
     execv(words[0], words.data());
     std::perror(words[0]);
-    _exit(127);
-  }
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0) {
-  }
-  if (WIFSIGNALED(status)) std::fprintf(stderr, "ended by signal %d\n", WTERMSIG(status));
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
+    return 127;
+  }));
+  if (status < 0) std::fprintf(stderr, "ended by signal %d\n", -status);
+  return status < 0 ? 1 : status;
 }
 
 }  // namespace

@@ -28,8 +28,8 @@ std::vector<char*> MachineEnvironment() {
 
 // The server's process, which writes its display's number to the descriptor; -1 on failure.
 pid_t Start(int numberPipe) {
-  const char* const words[] = {"timeout", "300",       "Xvfb",      "-displayfd", "3",    "-screen",
-                               "0",       "640x480x8", "-nolisten", "tcp",        nullptr};
+  const char* const words[] = {"setpriv", "--pdeathsig", "TERM",      "Xvfb",      "-displayfd", "3",
+                               "-screen", "0",           "640x480x8", "-nolisten", "tcp",        nullptr};
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, numberPipe, kNumberDescriptor);

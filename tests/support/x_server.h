@@ -1,5 +1,5 @@
 // An X server of a test's own, without a screen: on this machine also when the test is on a simulated device, on a
-// display that it chooses. It ends with this object, or when a test that broke off has been gone for minutes.
+// display that it chooses. It ends with this object, and with the thread that made it.
 #ifndef ZQ_TEST_X_SERVER_H
 #define ZQ_TEST_X_SERVER_H
 

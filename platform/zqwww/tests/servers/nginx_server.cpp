@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -28,8 +27,6 @@ int FreePort() {
 NginxServer::NginxServer(const Identity& identity) {
   WriteFile(work_ / "cert.pem", CertificatePem(identity));
   WriteFile(work_ / "key.pem", KeyPem(identity));
-  // The workers of an nginx that root started are nobody.
-  chmod(files_.Path().c_str(), 0755);
   for (int attempt = 0; attempt < 5; ++attempt) {
     if (Start()) return;
   }
@@ -45,7 +42,9 @@ NginxServer::~NginxServer() {
 
 std::string NginxServer::Config() const {
   const std::string listen = "listen 127.0.0.1:";
-  return "daemon off; pid " + work_ / "pid" + "; error_log " + work_ / "error.log" +
+  // The workers of an nginx that root started would be nobody, who need not be able to read root's files.
+  const std::string user = geteuid() == 0 ? "user root; " : "";
+  return user + "daemon off; pid " + work_ / "pid" + "; error_log " + work_ / "error.log" +
          ";\n"
          "worker_processes 1; events {}\n"
          "http {\n"
@@ -69,12 +68,14 @@ bool NginxServer::Start() {
   const std::string pid = work_ / "pid";
   const std::string errors = work_ / "error.log";
   WriteFile(config, Config());
-  const char* const words[] = {kProgram, "-e", errors.c_str(), "-c", config.c_str(), nullptr};
+  // It ends with this process, also with one that breaks off.
+  const char* const words[] = {"setpriv",      "--pdeathsig", "TERM",         kProgram, "-e",
+                               errors.c_str(), "-c",          config.c_str(), nullptr};
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
   posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-  const int error = posix_spawn(&process_, kProgram, &actions, nullptr, const_cast<char**>(words), environ);
+  const int error = posix_spawnp(&process_, words[0], &actions, nullptr, const_cast<char**>(words), environ);
   posix_spawn_file_actions_destroy(&actions);
   if (error != 0) throw std::runtime_error("nginx cannot be run");
   // Its sockets listen before it writes down its number.
