@@ -48,8 +48,9 @@ TEST_F(Device, RelativePathsCountFromTheDevicesFolder) {
 }
 
 TEST_F(Device, AWorkingFolderHasTheDevicesName) {
-  EXPECT_EQ(Shell("cd /tmp && mkdir a && cd a && /bin/pwd && realpath . ../b && echo x > f && cat /tmp/a/f"),
-            "/tmp/a\n/tmp/a\n/tmp/b\nx\n");
+  EXPECT_EQ(
+      Shell("cd /tmp && mkdir a && cd ./a && /bin/pwd && realpath . ../b && echo x > f && cat /tmp/a/f"),
+      "/tmp/a\n/tmp/a\n/tmp/b\nx\n");
 }
 
 TEST_F(Device, LinksLeadToTheDeviceAndReadAsWritten) {

@@ -29,6 +29,7 @@ void Edit(const std::string& path, const std::string& text) {
 class InterfaceFiles : public testing::Test {
  protected:
   InterfaceFiles() {
+    fs::create_directories(OfDevice("/hw/ra0"));
     Edit("/hw/eth0.ini", "");
     Edit("/hw/ra0/link.ini", "");
   }

@@ -24,6 +24,12 @@ std::string Hardware(const std::string& name) {
   return std::string(std::getenv("ZQ_DEVICE")) + "/hw/" + name;
 }
 
+// Puts the text in the file's place at once, as the scripts do: a reader meets no file that is just being written.
+void Replace(const std::string& name, const std::string& text) {
+  WriteFile(Hardware(name + ".new"), text);
+  fs::rename(Hardware(name + ".new"), Hardware(name));
+}
+
 std::string OnlyInterfaces(const MSG_COMMON& message) {
   return message.type == ZQ_MSG_NEW_INTERFACES ? "changed" : "";
 }
@@ -65,8 +71,7 @@ TEST_F(InterfaceNews, TheModulesQueueHearsOfARadioThatComesAndGoes) {
 TEST_F(InterfaceNews, AFileThatIsReplacedAsTheScriptsDoItIsOneChange) {
   RecordingQueue queue({}, OnlyInterfaces);
   queue.Start();
-  WriteFile(Hardware("eth0.ini.new"), "[link]\nup = yes\ncable = plugged\n");
-  fs::rename(Hardware("eth0.ini.new"), Hardware("eth0.ini"));
+  Replace("eth0.ini", "[link]\nup = yes\ncable = plugged\n");
   queue.Await(ZQ_MSG_NEW_INTERFACES, 1);
   queue.Drain();
   EXPECT_EQ(queue.Take(), "changed");
@@ -75,9 +80,9 @@ TEST_F(InterfaceNews, AFileThatIsReplacedAsTheScriptsDoItIsOneChange) {
 TEST_F(InterfaceNews, WhatSaysNothingNewIsNoReport) {
   RecordingQueue queue({}, OnlyInterfaces);
   queue.Start();
-  WriteFile(Hardware("eth0.ini"), "[link]\nup = yes\n; the same\n");
+  Replace("eth0.ini", "[link]\nup = yes\n; the same\n");
   WriteFile(Hardware("light"), "300");
-  WriteFile(Hardware("eth0.ini"), "[link]\nup = yes\n[address]\nip = 10.0.0.1\n");
+  Replace("eth0.ini", "[link]\nup = yes\n[address]\nip = 10.0.0.1\n");
   queue.Await(ZQ_MSG_NEW_INTERFACES, 1);
   queue.Drain();
   EXPECT_EQ(queue.Take(), "changed");

@@ -33,6 +33,8 @@ bool ReadsGiven(int descriptor) {
 
 // Says "NAME ok", or the reason of the failure, for each call.
 int main() {
+  // Whatever the caller's is: files are looked at for the mode that they were made with.
+  umask(022);
   for (const auto rows : {OpenRows(), LookRows(), EntryRows(), AttributeRows(), NameRows(), ProgramRows(),
                           DisplayRows(), DeviceRows(), InterfaceRows(), NewsRows()}) {
     for (const ProbeRow& row : rows) {
