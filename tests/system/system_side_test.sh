@@ -47,15 +47,18 @@ same "without the system a request stays" do_S12 "$answer"
 answer=$(system "$await_file; until_there /tmp/done_S12; ls /tmp")
 same "one that was there before is served" done_S12 "$answer"
 
-# Asked again while it is at work, the network is restarted again, and each end is told.
-sed -i 's/^delay_ms = .*/delay_ms = 400/' "$device/hw/eth0.ini"
+# Asked again while it is at work, the network is restarted again, and each end is told. An answer of the cable's other
+# end takes until it is allowed.
+cp "$device/etc/zq/board.sh" "$folder/board.sh"
+echo 'wait_ms() { until [ -e /tmp/answer ]; do sleep 0.05; done; rm /tmp/answer; }' >> "$device/etc/zq/board.sh"
 rm -f "$device/tmp/done_S12"
 system "$await_file
   printf 1 > /tmp/do_S12; until_gone /tmp/do_S12
-  printf 1 > /tmp/do_S12; until_there /tmp/done_S12; rm /tmp/done_S12; until_there /tmp/done_S12; rm /tmp/done_S12
+  printf 1 > /tmp/do_S12; : > /tmp/answer; until_there /tmp/done_S12; rm /tmp/done_S12; until_gone /tmp/do_S12
+  : > /tmp/answer; until_there /tmp/done_S12; rm /tmp/done_S12
   ! [ -e /tmp/do_S12 ]"
 same "a request while one is served is served after it" 0 $?
-sed -i 's/^delay_ms = .*/delay_ms = 0/' "$device/hw/eth0.ini"
+cp "$folder/board.sh" "$device/etc/zq/board.sh"
 
 for status in 0 1 9 127; do
   system "exit $status"
@@ -64,7 +67,7 @@ done
 # shellcheck disable=SC2016
 sh -c 'zqsim run "$0" --system -- sh -c '\''kill -9 $$'\''; echo $?' "$device" > "$folder/said" 2>/dev/null
 same "a signal's end" 137 "$(cat "$folder/said")"
-await 5 none_left || same "after the program was killed" '' "$(processes)"
+await 60 none_left || same "after the program was killed" '' "$(processes)"
 run --system -- no-such-program 2>/dev/null
 same "no such program" 127 $?
 
@@ -77,10 +80,10 @@ zqsim run "$device" --system -- sleep 1000 &
 zqsim=$!
 # shellcheck disable=SC2317
 several() { [ "$(processes | wc -l)" -ge 4 ]; }
-await 5 several || same "zqsim, its keeper, the scripts and the program" 4 "$(processes | wc -l)"
+await 60 several || same "zqsim, its keeper, the scripts and the program" 4 "$(processes | wc -l)"
 kill -9 "$zqsim"
 wait "$zqsim" 2>/dev/null
-await 5 none_left || same "after zqsim was killed" '' "$(processes)"
+await 60 none_left || same "after zqsim was killed" '' "$(processes)"
 
 # Signals are the program's.
 # shellcheck disable=SC2016
@@ -89,7 +92,7 @@ for signal in TERM INT HUP USR1; do
   # A shell starts what is in the background deaf to SIGINT: env is asked to undo that.
   env --default-signal=INT zqsim run "$device" --system -- sh -c "trap 'echo $signal > /tmp/heard; exit 5' $signal; : > /tmp/ready; while :; do sleep 0.05; done" &
   zqsim=$!
-  await 5 test -e "$device/tmp/ready"
+  await 60 test -e "$device/tmp/ready"
   kill -s "$signal" "$zqsim"
   wait "$zqsim"
   same "its end after $signal" 5 $?
