@@ -8,7 +8,6 @@ import difflib
 import os
 import re
 import shutil
-import signal
 import subprocess
 import sys
 import tempfile
@@ -34,7 +33,8 @@ SLOW_ONCE = "[ -e /media/began ] || { echo > /media/began; sleep 60; }"
 class Screens:
     """The supervised device: its lines, one by one."""
 
-    def __init__(self, words, folder, environment):
+    def __init__(self, device, words, folder, environment):
+        self.device = device
         with open(os.path.join(folder, "errors"), "a", encoding="utf-8") as errors:
             self.process = subprocess.Popen(words, cwd=folder, env=environment, stdout=subprocess.PIPE, stderr=errors,
                                             stdin=subprocess.DEVNULL, text=True, errors="replace",
@@ -72,8 +72,7 @@ class Screens:
         return status
 
     def cut_power(self):
-        os.killpg(self.process.pid, signal.SIGKILL)
-        self.process.wait()
+        support.cut_power(self.process, self.device)
 
 
 class Day:
@@ -187,9 +186,9 @@ class Day:
         return " ".join(sorted(line for line in lines if line.startswith(beginning)))
 
     def switch_on(self):
-        self.screens = Screens([os.path.join(self.programs, "zqsim"), "run", self.device, "--supervised", "--",
-                                os.path.join(self.programs, "sorel"), os.path.join(HERE, "screens.js")],
-                               self.scratch, self.environment())
+        words = [os.path.join(self.programs, "zqsim"), "run", self.device, "--supervised", "--",
+                 os.path.join(self.programs, "sorel"), os.path.join(HERE, "screens.js")]
+        self.screens = Screens(self.device, words, self.scratch, self.environment())
         self.tell("switched on")
         self.until("start: ready")
 
@@ -197,7 +196,7 @@ class Day:
         self.tell(f"switched off: status {self.screens.switch_off()}")
 
     def cut_power(self):
-        """Memory is lost with it, and the system's part ends within a moment."""
+        """Memory is lost with it."""
         self.screens.cut_power()
         for entry in os.scandir(self.path("tmp")):
             if entry.is_dir(follow_symlinks=False):

@@ -23,12 +23,23 @@ PROGRAMS = None
 # Says what the update listener hears.
 LISTEN = """
 const util = new ZQUtil();
+const isThere = (path) => {
+  try {
+    load(path);
+  } catch (error) {
+    return !error.message.endsWith('No such file or directory');
+  }
+  return true;
+};
 util.registerUpdateListener({
   forcedUpdateAvailable: () => print('forced'),
   onDownloading: (percent) => print('downloading', percent),
   onInstalling: () => print('installing'),
   // The device cleans up after this call.
-  onDownloadFailed: () => { print('failed'); setTimeout(() => exit(0), 1000); },
+  onDownloadFailed: () => {
+    print('failed');
+    setInterval(() => { if (!isThere('/tmp/app-hello-update.tgz')) exit(0); }, 50);
+  },
 });
 """
 # Takes the first update that is offered.

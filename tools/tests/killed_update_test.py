@@ -4,7 +4,6 @@
 """
 
 import os
-import signal
 import subprocess
 import sys
 import time
@@ -17,6 +16,8 @@ import at_once  # noqa: E402
 
 # A run script that takes its time when it is run for the first time.
 SLOW_ONCE = "[ -e /media/began ] || { echo > /media/began; sleep 60; }\n"
+# What has done its work, and ends when it is told to.
+HELD = ": > /updates/held\nnvram set update.done 1\n: > /media/began\nuntil [ -e /media/go ]; do sleep 0.05; done\n"
 # Long enough that its decryption and its copies can be met half way.
 LARGE = 64 << 20
 
@@ -53,8 +54,7 @@ class KilledUpdateTest(end_to_end.EndToEndTest):
                 self.assertLess(time.monotonic(), deadline, "the stage was not reached")
                 time.sleep(0.001)
         finally:
-            os.killpg(device.pid, signal.SIGKILL)
-            device.wait()
+            support.cut_power(device, self.device)
 
     def assert_comes_back(self):
         self.server.fault("package", "none")
@@ -104,11 +104,30 @@ class KilledUpdateTest(end_to_end.EndToEndTest):
         self.assertEqual(self.acknowledged(), [])
         self.assert_comes_back()
 
-    def test_while_the_server_is_told(self):
+    def test_before_the_server_is_told(self):
+        def reaches_the_server():
+            if not os.path.exists(self.on_device("media", "began")):
+                return False
+            self.server.fault("tls", "stall")
+            support.write(self.on_device("media", "go"), "")
+            while not self.server.next_line().startswith("handshake "):
+                pass
+            return True
+
+        self.offer("", folder=self.folder(HELD))
+        self.kill_when(reaches_the_server)
+        self.assertTrue(os.path.exists(self.on_device("updates", "held")))
+        self.assertEqual(self.acknowledged(), [])
+        self.assert_comes_back()
+
+    def test_after_the_server_was_told(self):
         self.offer("")
         self.server.fault("acknowledge", "slow", seconds=30)
-        self.kill_when(lambda: os.path.exists(self.on_device("updates", "hello.txt")))
-        self.assert_comes_back()
+        self.kill_when(self.acknowledged)
+        self.server.fault("acknowledge", "none")
+        self.assertTrue(os.path.exists(self.on_device("updates", "hello.txt")))
+        self.assertEqual(self.script(end_to_end.CHECK), ["reached", "0"])
+        self.assertEqual(self.acknowledged(), ["device=1 update=7"])
 
 
 if __name__ == "__main__":

@@ -10,13 +10,14 @@ import subprocess
 import sys
 import tempfile
 import threading
+import time
 
 TOOLS = os.path.dirname(os.path.dirname(os.path.realpath(__file__)))
 ROOT = os.path.dirname(TOOLS)
 # What the tests of all languages share.
 sys.path.insert(0, os.path.join(ROOT, "tests", "support"))
 # Longer than anything here takes on a slow machine; reached only by a test that fails.
-PATIENCE = 60
+PATIENCE = 120
 
 
 def run(*words, **options):
@@ -33,6 +34,33 @@ def write(path, text):
 def read(path):
     with open(path, encoding="utf-8") as file:
         return file.read()
+
+
+def runs_on(device):
+    """Whether a process of the device is left, whatever it is."""
+    variable, path = b"ZQ_DEVICE=" + os.fsencode(device), os.fsencode(device)
+    for process in filter(str.isdigit, os.listdir("/proc")):
+        try:
+            with open(f"/proc/{process}/environ", "rb") as file:
+                if variable in file.read().split(b"\0"):
+                    return True
+            with open(f"/proc/{process}/cmdline", "rb") as file:
+                if path in file.read().split(b"\0"):
+                    return True
+        except OSError:
+            pass  # It has just ended, or is somebody else's.
+    return False
+
+
+def cut_power(process, device):
+    """Ends a device whose zqsim was started with a session of its own. Its system, which notices, is gone, too."""
+    os.killpg(process.pid, signal.SIGKILL)
+    process.wait()
+    deadline = time.monotonic() + PATIENCE
+    while runs_on(device):
+        if time.monotonic() > deadline:
+            raise AssertionError(f"something runs on {device} without power")
+        time.sleep(0.01)
 
 
 class Server:
