@@ -37,7 +37,8 @@ JSValueRef Load(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, co
 
 JSValueRef Exit(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
                 JSValueRef* exception) {
-  const double status = count > 0 ? JSValueToNumber(context, arguments[0], nullptr) : 0;
+  const bool given = count > 0 && !JSValueIsUndefined(context, arguments[0]);
+  const double status = given ? JSValueToNumber(context, arguments[0], nullptr) : 0;
   // The status of a process is a byte.
   Runtime::Get().RequestExit(status >= 0 && status <= 255 ? static_cast<int>(status) : 1);
   return Unwind(context, exception);

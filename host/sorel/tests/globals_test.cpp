@@ -92,6 +92,10 @@ TEST_F(Globals, LoadThrowsWhatTheScriptThrows) {
 TEST_F(Globals, ExitEndsWithItsStatus) {
   EXPECT_EQ(run.Run("exit(42)").status, 42);
   EXPECT_EQ(run.Run("exit()").status, 0);
+  EXPECT_EQ(run.Run("exit(undefined)").status, 0);
+  for (const char* other : {"exit(256)", "exit(-1)", "exit('no number')", "exit(NaN)"}) {
+    EXPECT_EQ(run.Run(other).status, 1) << other;
+  }
   EXPECT_EQ(run.Run("setTimeout(() => exit(3), 1)").status, 3);
 }
 TEST_F(Globals, NothingIsDoneAfterExit) {
