@@ -40,7 +40,7 @@ declare function load(path: string): unknown;
 /**
  * Ends the program: module objects are finished, and settings are written, before it is gone. Nothing after the call
  * runs.
- * @param status 0 to 255; 0 when left out
+ * @param status 0 to 255, and 1 in place of anything else; 0 when left out
  */
 declare function exit(status?: number): never;
 /** Collects garbage now. */
