@@ -16,6 +16,7 @@ import typings  # noqa: E402
 
 TABLE = os.path.join(ROOT, "class_modules", "ZQUtil", "src", "ZQUtilMethodTable.h")
 TYPINGS = [os.path.join(ROOT, "types", name) for name in ("zqutil.d.ts", "sorel.d.ts")]
+PINNED = os.path.join(HERE, "pinned.ts")
 COUNT = 73
 # Where the count that the engine is told is not the number of arguments that the method knows.
 TOLD_OTHERWISE = {
@@ -55,6 +56,32 @@ class TableTest(unittest.TestCase):
         self.assertEqual(len(set(names)), COUNT)
 
 
+class SourceTest(unittest.TestCase):
+    """Names that the typings share with the sources, where no call of a test would miss one."""
+
+    @staticmethod
+    def sources(*folders):
+        for folder in folders:
+            for name in sorted(os.listdir(os.path.join(ROOT, folder))):
+                if name.endswith((".cpp", ".h")):
+                    yield read(os.path.join(ROOT, folder, name))
+
+    def test_listeners_have_the_methods_that_the_module_calls(self):
+        called = set()
+        for text in self.sources("class_modules/ZQUtil/src"):
+            called.update(re.findall(r'"(on[A-Z]\w+|forced\w+Available)"', text))
+        interfaces = typings.read_typings()[1]
+        self.assertEqual({method.name for interface in interfaces for method in interface.methods}, called)
+        self.assertGreater(len(called), 10)
+
+    def test_globals_are_those_that_the_host_adds(self):
+        added = set()
+        for text in self.sources("host/sorel/src"):
+            added.update(re.findall(r'(?:AddFunction|SetProperty)\(context, global, "(\w+)"', text))
+        self.assertEqual(set(re.findall(r"^declare (?:function|const) (\w+)", read(TYPINGS[1]), re.M)), added)
+        self.assertGreater(len(added), 8)
+
+
 class CommentTest(unittest.TestCase):
     def setUp(self):
         self.device, self.interfaces = typings.read_typings()
@@ -73,7 +100,7 @@ class CommentTest(unittest.TestCase):
 
 
 class CompilerTest(unittest.TestCase):
-    def compile(self, *files, check=True):
+    def compile(self, *files, check=True, device=TYPINGS[0]):
         """What the compiler has to say of scripts that know the language, sorel's globals and the typings."""
         # Scripts name no types of their own.
         options = {"noEmit": True, "strict": True, "noImplicitAny": False, "useUnknownInCatchVariables": False,
@@ -82,7 +109,7 @@ class CompilerTest(unittest.TestCase):
         with tempfile.TemporaryDirectory(prefix="typings-test-") as folder:
             project = os.path.join(folder, "tsconfig.json")
             with open(project, "w", encoding="utf-8") as file:
-                json.dump({"compilerOptions": options, "files": [*TYPINGS, *files]}, file)
+                json.dump({"compilerOptions": options, "files": [device, TYPINGS[1], *files]}, file)
             done = subprocess.run(["tsc", "--pretty", "false", "-p", project], capture_output=True, text=True,
                                   check=False, timeout=300)
         if check:
@@ -95,12 +122,28 @@ class CompilerTest(unittest.TestCase):
         self.assertNotEqual(scripts, [])
         self.compile(*scripts)
 
-    def test_every_method_can_be_called_as_described_and_misuse_is_found(self):
+    def test_every_method_can_be_called_as_described_and_misuse_and_other_types_are_found(self):
         usage = os.path.join(HERE, "usage.ts")
         for method in typings.read_typings()[0].methods:
             self.assertRegex(read(usage), rf"\butil\.{method.name}\(")
         # In misuse.ts every line is wrong; the compiler complains of one that it takes.
-        self.compile(usage, os.path.join(HERE, "misuse.ts"))
+        self.compile(usage, os.path.join(HERE, "misuse.ts"), PINNED)
+
+    def test_another_type_is_found_and_named(self):
+        text = read(TYPINGS[0])
+        slips = {"getBrightness": ("getBrightness(): string", "getBrightness(): number"),
+                 "onDownloading": ("onDownloading?(percent: number)", "onDownloading?(percent: string)"),
+                 "Encrypted": ("Encrypted: 0 | 1", "Encrypted: boolean")}
+        for right, wrong in slips.values():
+            self.assertEqual(text.count(right), 1)
+            text = text.replace(right, wrong)
+        with tempfile.TemporaryDirectory(prefix="typings-test-") as folder:
+            path = os.path.join(folder, "zqutil.d.ts")
+            with open(path, "w", encoding="utf-8") as file:
+                file.write(text)
+            done = self.compile(PINNED, check=False, device=path)
+        for name in slips:
+            self.assertIn(f'"{name}"', done.stdout)
 
     def test_compiler_would_find_a_method_that_is_not_there(self):
         with tempfile.TemporaryDirectory(prefix="typings-test-") as folder:
