@@ -76,7 +76,7 @@ void RebootDevice() {
 }
 
 void ExitHost(int status) {
-  AwaitConfigWrites();
+  AwaitDeferredWrites();
   zq_ExitProcess(status);
 }
 

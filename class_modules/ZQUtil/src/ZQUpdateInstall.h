@@ -27,7 +27,7 @@ ZQUTIL_API void RebootDevice();
 // False when the host is to be restarted instead of the device; the key that says so is consumed.
 ZQUTIL_API bool rebootRequired();
 
-// Ends the process when the settings that were begun are written.
+// Ends the process when what scripts have set is stored, or does not get stored in time (AwaitDeferredWrites).
 [[noreturn]] void ExitHost(int status);
 
 #endif

@@ -114,6 +114,8 @@ void ZQUtil::OnTimeDriftTimer() {
   const uint32_t now = zq_SecondsIntoMonth();
   if (ClockDrifted(timeDriftSeconds, now)) {
     ZQUTIL_TRACE("Intentionally exiting due to Adobe Time Drift Bug\n");
+    // Writes posted before this check was due are done: the queue keeps to the instants. For those that came since then,
+    // while it was busy, it cannot wait here: they wait for this handler.
     AwaitConfigWrites();
     zq_ExitProcess(0);
   }

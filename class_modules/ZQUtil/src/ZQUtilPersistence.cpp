@@ -1,6 +1,8 @@
 #include "ZQUtilPersistence.h"
 
+#include <chrono>
 #include <cstdio>
+#include <thread>
 
 #include "ConfigWriteRecord.h"
 #include "ZQScreen.h"
@@ -16,6 +18,17 @@ namespace {
 
 constexpr char kSourceTag[] = "class_modules/ZQUtil/ZQUtilPersistence";
 constexpr uint32_t kAwaitWritesMs = 10000;
+constexpr uint32_t kAwaitQueueMs = 10000;
+
+// False when the queue is still at work after that time.
+bool AwaitQueue(uint32_t milliseconds) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+  while (zq_MsgQPending(ZQUtilMsgQHandle) != 0) {
+    if (std::chrono::steady_clock::now() >= deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return true;
+}
 
 void Begin(ConfigWriteRecord* record) {
   if (record == nullptr) return;
@@ -77,6 +90,13 @@ int32_t threadConfigWrite(void* argument) {
 void AwaitConfigWrites() {
   if (zq_ThreadAwaitEnd(threadConfigWrite, kAwaitWritesMs)) return;
   ZQUTIL_TRACE("ZQUtil settings writes did not end within %u ms\n", kAwaitWritesMs);
+}
+
+void AwaitDeferredWrites() {
+  if (!AwaitQueue(kAwaitQueueMs)) {
+    ZQUTIL_TRACE("ZQUtil queue was not done within %u ms\n", kAwaitQueueMs);
+  }
+  AwaitConfigWrites();
 }
 
 int my_nvram_write_key(int handle, void* reserved, const char* key, const char* value) {

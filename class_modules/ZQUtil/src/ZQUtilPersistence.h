@@ -53,5 +53,8 @@ void SaveBrightness(ZQScreen& screen);
 // Waits until the settings writes that were begun are done; gives up, with a trace, after ten seconds: a host that
 // ends, or begins again, does not wait for ever for a disk that is dead.
 void AwaitConfigWrites();
+// Waits until the queue has handled what scripts have left to it, at most ten seconds too, and then as above. Touches
+// no singleton. Not for the queue's own thread, which would wait for itself all that time.
+void AwaitDeferredWrites();
 
 #endif

@@ -154,6 +154,14 @@ TEST_F(UpdateRebootTest, WithoutConfigurationManagementNothingHoldsTheRebootBack
 
 // The rest ends the process, so each runs in one of its own.
 class UpdateRebootDeathTest : public UpdateRebootTest {
+ public:
+  void SetBehindAListener() {
+    ListenForConnectivity();
+    PostToQueue(kMsgUpdateServerReached, 0);
+    engine.Answer(*util, "setBrightness", {N(42)});
+    engine.Answer(*util, "setFirstTime", {S("stored just before")});
+  }
+
  protected:
   UpdateRebootDeathTest() {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -233,6 +241,30 @@ TEST_F(UpdateRebootDeathTest, AfterMoreThanFiveUpdatesACompletionRebootsTwiceAnd
   EXPECT_LT(cleanup, exceeded);
   EXPECT_LT(exceeded, second);
   EXPECT_NE(second, std::string::npos);
+}
+
+// The listener that stands in front, in the queue, of what a script sets.
+int32_t ListenLong(void*, const char*, uint32_t, zq_Value*, zq_Value*) {
+  usleep(300000);
+  return 1;
+}
+
+TEST_F(UpdateRebootDeathTest, WhatWaitsInTheQueueBehindAListenerIsStoredBeforeTheHostEnds) {
+  static UpdateRebootDeathTest* test;
+  test = this;
+  EXPECT_EXIT(
+      {
+        engine.Table()[ZQ_SLOT_CALL_METHOD] = reinterpret_cast<uintptr_t>(ListenLong);
+        Live([] {
+          test->SetBehindAListener();
+          ExitHost(3);
+        });
+      },
+      testing::ExitedWithCode(3), "");
+  EXPECT_NE(Trace().find("ZQUtil Sending Connectivity Listener Success\n"), std::string::npos);
+  EXPECT_EQ(StoredSetting("brightness"), "42");
+  EXPECT_EQ(ReadFile("/proc/blctrl"), "42");
+  EXPECT_EQ(StoredKey("net.firsttime"), "stored just before");
 }
 
 TEST_F(UpdateRebootTest, FiveUpdatesAreNotTooMany) {
