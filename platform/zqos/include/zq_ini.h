@@ -35,8 +35,8 @@ ZQ_API bool zq_GetINIFileAffirmative(const char* section, const char* key, const
                                      const char* file);
 // Writes one value. `durable`: on the disk when the call returns, also when it was there already; otherwise
 // the system writes it in its own time, and a power cut before that may lose it. False, the old file
-// untouched and the reason traced, when the section or key cannot stand in a file (empty, a line break, "="
-// or "]", a leading comment sign; for a key also a leading "["), the file may not be written, or the disk
+// untouched and the reason traced, when the section or key cannot stand in a file (empty, a line break or
+// "=", a leading comment sign; in a section "]", before a key "["), the file may not be written, or the disk
 // refuses.
 ZQ_API bool zq_WriteINIFileString(const char* section, const char* key, const char* value, const char* file,
                                   bool durable);

@@ -68,9 +68,19 @@ Found Find(std::string_view bytes, std::string_view section, std::string_view ke
   return found;
 }
 
-bool CanName(std::string_view name) {
-  return !name.empty() && name.find_first_of("\r\n=]") == std::string_view::npos && name.front() != ';' &&
-         name.front() != '#';
+// Neither blank, nor a comment, nor several lines.
+bool CanBegin(std::string_view name) {
+  return !name.empty() && name.front() != ';' && name.front() != '#' &&
+         name.find_first_of("\r\n=") == std::string_view::npos;
+}
+
+bool CanNameSection(std::string_view name) {
+  return CanBegin(name) && name.find(']') == std::string_view::npos;
+}
+
+bool CanNameKey(std::string_view name) {
+  // One that begins with a bracket would be read as a section.
+  return CanBegin(name) && name.front() != '[';
 }
 
 // The line end of the line before the place, or else the first of the file.
@@ -97,8 +107,7 @@ std::optional<std::string> IniDocument::Get(std::string_view section, std::strin
 IniChange IniDocument::Set(std::string_view section, std::string_view key, std::string_view value) {
   const std::string_view sectionName = IniTrim(section);
   const std::string_view keyName = IniTrim(key);
-  // A key that begins with a bracket would be read as a section.
-  if (!CanName(sectionName) || !CanName(keyName) || keyName.front() == '[') return IniChange::kRefused;
+  if (!CanNameSection(sectionName) || !CanNameKey(keyName)) return IniChange::kRefused;
 
   const Found found = Find(bytes_, sectionName, keyName);
   if (found.text && IniUnquote(*found.text) == value) return IniChange::kNone;

@@ -67,19 +67,30 @@ TEST_F(IniWriteTest, AValueThatIsThereAlreadyLeavesTheFileUntouched) {
 TEST_F(IniWriteTest, RefusesNamesThatCannotStandInAFile) {
   WriteFile(file_, "[a]\nx=1\n");
   const struct stat before = Status();
-  for (const char* name : {"", " ", "a\nb", "a\rb", "a=b", "a]b", ";a", "#a", " ;a", "=", "]"}) {
+  for (const char* name : {"", " ", "a\nb", "a\rb", "a=b", ";a", "#a", " ;a", "="}) {
     const TraceCapture trace;
     EXPECT_FALSE(Set(name, "x", "2", file_)) << name;
     EXPECT_FALSE(Set("a", name, "2", file_)) << name;
     EXPECT_EQ(trace.Texts().size(), 2U) << name;
   }
-  EXPECT_FALSE(Set("a", "[x", "2", file_));
+  for (const char* section : {"a]b", "]"}) EXPECT_FALSE(Set(section, "x", "2", file_)) << section;
+  for (const char* key : {"[x", " [x", "[", "[x]"}) EXPECT_FALSE(Set("a", key, "2", file_)) << key;
   EXPECT_FALSE(zq_WriteINIFileString(nullptr, "x", "2", file_.c_str(), false));
   EXPECT_FALSE(zq_WriteINIFileString("a", nullptr, "2", file_.c_str(), false));
   EXPECT_FALSE(zq_WriteINIFileString("a", "x", nullptr, file_.c_str(), false));
   EXPECT_FALSE(zq_WriteINIFileString("a", "x", "2", nullptr, false));
   EXPECT_EQ(Status().st_ino, before.st_ino);
   EXPECT_EQ(NamesIn(folder_.Path()), std::set<std::string>{"settings.ini"});
+}
+
+TEST_F(IniWriteTest, AKeyMayHoldBracketsButAtItsStart) {
+  for (const char* key : {"]", "a]b", "a[0]"}) {
+    EXPECT_TRUE(Set("s", key, key, file_)) << key;
+    EXPECT_TRUE(Set("s", key, key, file_)) << key;
+  }
+  EXPECT_TRUE(Set("s", "]", "new", file_));
+  EXPECT_EQ(ReadFile(file_), "[s]\n]=new\na]b=a]b\na[0]=a[0]\n");
+  EXPECT_EQ(Value("s", "a]b", file_), "a]b");
 }
 
 TEST_F(IniWriteTest, ALinkStaysALinkAndTheFileItNamesIsWritten) {
