@@ -21,15 +21,10 @@ constexpr uint32_t kFirstCheckMs = 4000;
 
 // {"ID": id, "Name": comment}; null when the host cannot make it.
 void* NewUpdateObject(const OfferedUpdate& update) {
-  const auto newObject = engine::NewObject();
-  void* const object = newObject != nullptr ? newObject() : nullptr;
-  const auto setProperty = engine::SetProperty();
-  if (object == nullptr || setProperty == nullptr) return object;
-  zq_Value id = ZQ_VALUE_FROM_INT(update.id);
-  setProperty(object, "ID", &id);
-  zq_Value name = ZQ_VALUE_VOID;
-  ReturnString(update.comment.c_str(), &name);
-  setProperty(object, "Name", &name);
+  void* const object = NewScriptObject();
+  if (object == nullptr) return nullptr;
+  SetValueProperty(object, "ID", ZQ_VALUE_FROM_INT(update.id));
+  SetTextProperty(object, "Name", update.comment.c_str());
   return object;
 }
 

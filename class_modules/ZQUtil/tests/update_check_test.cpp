@@ -99,6 +99,18 @@ TEST_F(UpdateCheckTest, OneOptionalUpdateWithoutAnIdentityIsListedAndTheNextChec
   EXPECT_EQ(TakeTraces(), "ZQUtil GUI Call to GetUpdateList\nZQUtil Returning 12, One <1>\n");
 }
 
+TEST_F(UpdateCheckTest, AHostThatMakesNoTextsGetsUpdatesWithoutAName) {
+  engine.Remove(ZQ_SLOT_NEW_STRING);
+  Start();
+  server.AnswerBody("<updates>" + Update(12, "http://h/app-1.tgz", false) + "</updates>");
+  Check();
+  zq_Value result = ZQ_VALUE_VOID;
+  ASSERT_EQ(engine.Call(*util, "GetUpdateList", {}, &result), 1);
+  const auto& elements = reinterpret_cast<const Object*>(result)->elements;
+  ASSERT_EQ(elements.size(), 1U);
+  EXPECT_EQ(reinterpret_cast<const Object*>(elements.at(0))->order, std::vector<std::string>{"ID"});
+}
+
 TEST_F(UpdateCheckTest, IsTracedStepByStep) {
   Start();
   server.AnswerBody("<x/>");
