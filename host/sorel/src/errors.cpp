@@ -8,6 +8,7 @@
 #include "output.h"
 #include "properties.h"
 #include "runtime.h"
+#include "show.h"
 
 namespace sorel {
 namespace {
@@ -55,6 +56,8 @@ JSValueRef Unwind(JSContextRef context, JSValueRef* exception) {
 std::string DescribeError(JSContextRef context, JSValueRef thrown) {
   std::string text;
   if (!ToUtf8(context, thrown, &text)) text = "an error that has no text";
+  // What says nothing of an object's contents.
+  if (text == "[object Object]") text = Show(context, thrown);
   std::replace(text.begin(), text.end(), '\n', ' ');
   return Position(context, thrown) + text;
 }

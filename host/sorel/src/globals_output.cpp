@@ -14,7 +14,9 @@ bool Join(JSContextRef context, size_t count, const JSValueRef arguments[], bool
           std::string* line, JSValueRef* exception) {
   for (size_t i = 0; i < count; ++i) {
     std::string text;
-    if (showObjects && JSValueIsObject(context, arguments[i])) {
+    const bool hasOwnText =
+        !JSValueIsObject(context, arguments[i]) && !JSValueIsSymbol(context, arguments[i]);
+    if (showObjects && !hasOwnText) {
       text = Show(context, arguments[i]);
     } else if (!ToUtf8(context, arguments[i], &text, exception)) {
       return false;

@@ -8,8 +8,11 @@
 
 namespace sorel {
 
-// Text in quotes; objects and arrays as JSON where they can be, else as String gives them; functions by name.
-std::string Show(JSContextRef context, JSValueRef value);
+constexpr size_t kOneLine = 0;
+
+// Text in quotes; objects and arrays as in JSON, with what JSON has no words for by name; functions by name. What is
+// wider than `width` characters and has several elements is shown with a line for each; kOneLine: never.
+std::string Show(JSContextRef context, JSValueRef value, size_t width = kOneLine);
 
 }  // namespace sorel
 

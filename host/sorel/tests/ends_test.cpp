@@ -77,6 +77,7 @@ TEST_F(Ends, AnErrorInATimerEndsTheProgram) {
 }
 TEST_F(Ends, AThrownValueThatIsNoErrorIsShown) {
   EXPECT_EQ(run.Run("throw 'just text'").errors, "just text\n");
+  EXPECT_EQ(run.Run("throw {code: 7}").errors, "{\"code\":7}\n");
   EXPECT_EQ(run.Run("throw {toString() { throw 1 }}").errors, "an error that has no text\n");
 }
 TEST_F(Ends, ASyntaxErrorIsOneLineWithItsPlace) {

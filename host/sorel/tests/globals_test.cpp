@@ -17,6 +17,26 @@ TEST_F(Globals, ConsoleShowsObjectsByTheirContents) {
   EXPECT_EQ(run.Output("console.log('a', {b: [1, 'x']}); console.info(print); console.debug([])"),
             "a {\"b\":[1,\"x\"]}\n[function print]\n[]");
 }
+TEST_F(Globals, ConsoleShowsWhatJsonHasNoWordsFor) {
+  EXPECT_EQ(run.Output(
+                "console.log(new Map([['a', {b: 1}]]), new Set([1, 'x']), /x/g, Symbol('s'), [Symbol('t')])"),
+            "Map {\"a\" => {\"b\":1}} Set {1,\"x\"} /x/g Symbol(s) [Symbol(t)]");
+  EXPECT_EQ(
+      run.Output("console.log([undefined, null, -0, 2n, , () => 1], {u: undefined, f() {}}, new Date(0))"),
+      "[undefined,null,-0,2n,undefined,[function]] {\"u\":undefined,\"f\":[function f]} "
+      "Date \"1970-01-01T00:00:00.000Z\"");
+  EXPECT_EQ(
+      run.Output(
+          "class Row { at = [1] }; console.log(new Row(), Row, new Uint8Array(2), Object.create(null))"),
+      "Row {\"at\":[1]} [class Row] Uint8Array [0,0] {}");
+  EXPECT_EQ(run.Output("const o = {n: 1}; o.self = [o]; o.again = o.self; console.log(o)"),
+            "{\"n\":1,\"self\":[[circular]],\"again\":[[circular]]}");
+  EXPECT_EQ(
+      run.Output("console.log({get bad() { throw 1 }, good: 2}, new Proxy({}, {ownKeys() { throw 1 }}))"),
+      "{\"bad\":[throws],\"good\":2} [object Object]");
+  EXPECT_EQ(run.Output("let deep = 1; for (let i = 0; i < 100000; i++) deep = [deep]; console.log(deep)"),
+            std::string(32, '[') + "[more]" + std::string(32, ']'));
+}
 TEST_F(Globals, WarningsAndErrorsGoToStderr) {
   const ProgramResult result = run.Run("console.warn('w'); console.error('e', 1); print('p')");
   EXPECT_EQ(result.errors, "w\ne 1\n");
