@@ -13,7 +13,7 @@ namespace {
 constexpr const char* kNamesOf = R"js((function(object, prefix) {
   const names = new Set();
   for (let o = object == null ? null : Object(object); o; o = Object.getPrototypeOf(o))
-    for (const name of Object.getOwnPropertyNames(o))
+    for (const name of prefix || o !== Object.prototype ? Object.getOwnPropertyNames(o) : [])
       if (name.startsWith(prefix) && /^[\p{ID_Start}$_][\p{ID_Continue}$]*$/u.test(name)) names.add(name);
   return [...names].sort().join("\n");
 }))js";
@@ -28,6 +28,35 @@ bool IsName(std::string_view name) {
 }
 
 }  // namespace
+
+std::string CalledFunction(std::string_view line) {
+  while (line.ends_with(' ')) line.remove_suffix(1);
+  if (!line.ends_with('(') && !line.ends_with(',')) return "";
+  size_t closed = 0;
+  size_t open = line.size();
+  while (open > 0 && (line[open - 1] != '(' || closed > 0)) {
+    if (line[open - 1] == ')') ++closed;
+    if (line[open - 1] == '(') --closed;
+    --open;
+  }
+  if (open == 0) return "";
+  return FindUnfinished(line.substr(0, open - 1)).prefix;
+}
+
+std::vector<std::string> DeclaredNames(std::string_view script) {
+  std::vector<std::string> names;
+  bool declares = false;
+  for (size_t from = 0; from < script.size();) {
+    size_t end = from;
+    while (end < script.size() && IsNamePart(script[end])) ++end;
+    const std::string_view word = script.substr(from, end - from);
+    if (declares && IsName(word)) names.emplace_back(word);
+    if (!word.empty() || isspace(static_cast<unsigned char>(script[from])) == 0)
+      declares = word == "const" || word == "let" || word == "class";
+    from = std::max(end, from + 1);
+  }
+  return names;
+}
 
 Unfinished FindUnfinished(std::string_view line) {
   size_t begin = line.size();
@@ -60,6 +89,11 @@ std::vector<std::string> PropertyNames(JSContextRef context, const Unfinished& u
   std::istringstream lines(text);
   for (std::string name; std::getline(lines, name);) names.push_back(name);
   return names;
+}
+
+bool Exists(JSContextRef context, const std::string& name) {
+  JSValueRef thrown = nullptr;
+  return Evaluate(context, {name, ""}, &thrown) != nullptr;
 }
 
 }  // namespace sorel

@@ -52,7 +52,7 @@ bool Host::Start(const Options& options, std::string* error) {
   BecomeScriptThread();
   Runtime::Create();
   Runtime& runtime = Runtime::Get();
-  CatchSignals(RestoreTerminal);
+  CatchSignals(RestoreTerminal, DropTypedLine);
   JSContextRef context = runtime.Context();
   AddGlobals(context, runtime.Global());
   const auto onRejection = interactive_ ? ReportRejection : FailOnRejection;

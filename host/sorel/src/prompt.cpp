@@ -7,12 +7,16 @@
 #include <readline/history.h>
 #include <readline/readline.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "completion.h"
@@ -23,26 +27,39 @@
 #include "runtime.h"
 #include "script.h"
 #include "show.h"
+#include "unfinished_input.h"
 
 namespace sorel {
 namespace {
 
+constexpr char kGreeting[] = "sorel " SOREL_VERSION ": .help helps, Tab completes, Ctrl-D ends";
 constexpr char kPrompt[] = "> ";
+// After a line that only more lines can complete.
+constexpr char kMorePrompt[] = "... ";
 constexpr int kHistoryLines = 1000;
 constexpr char kHelp[] =
-    "Type a line of script; its value is shown. Tab completes names and, after a dot, methods.\n"
+    "Type a piece of script; its value is shown. One that is not finished goes on in the next line; Ctrl-C "
+    "drops it.\n"
+    "Tab completes names and, after a dot, methods; after \"(\" it shows the arguments.\n"
     "  new ZQUtil()   the device's services, by methods of this object\n"
     "  load(\"FILE\")   run a script      exit(STATUS)   end\n"
     "  .help          this              .help METHOD   what a method does\n"
     "  .exit          end, as Ctrl-D does";
 constexpr char kHelpOfMethod[] = ".help ";
+// Wider values are shown an element a line.
+constexpr int kLeastWidth = 40;
+constexpr int kBySignal = 128;
 
 // readline's callbacks carry no data: the one prompt of the process.
 JSContextRef g_context = nullptr;
 std::vector<std::string> g_candidates;
 std::vector<MethodHelp> g_help;
 termios g_terminal{};
-std::atomic<bool> g_taken{false};  // the terminal is readline's, to be given back as g_terminal says
+std::string g_begun;                // lines of a piece of script that is not finished
+std::set<std::string> g_declared;   // by const, let and class, in what was typed
+std::atomic<bool> g_typing{false};  // something is typed that a key may drop
+std::atomic<bool> g_drop{false};    // it shall be dropped
+std::atomic<bool> g_taken{false};   // the terminal is readline's, to be given back as g_terminal says
 
 // Where lines are remembered; "" for nowhere.
 std::string HistoryFile() {
@@ -52,15 +69,46 @@ std::string HistoryFile() {
   return home != nullptr && *home != '\0' ? std::string(home) + "/.sorel_history" : "";
 }
 
-void EvaluateLine(const std::string& line) {
+size_t ScreenWidth() {
+  int rows = 0;
+  int columns = 0;
+  rl_get_screen_size(&rows, &columns);
+  return static_cast<size_t>(std::max(columns, kLeastWidth));
+}
+
+void EvaluateTyped(const std::string& script) {
   JSValueRef thrown = nullptr;
-  JSValueRef value = Evaluate(g_context, {line, ""}, &thrown);
+  JSValueRef value = Evaluate(g_context, {script, ""}, &thrown);
   if (Runtime::Get().ExitRequested()) return;
   if (thrown != nullptr) {
     WriteLine(DescribeError(g_context, thrown), false);
   } else if (!JSValueIsUndefined(g_context, value)) {
-    WriteLine(Show(g_context, value), false);
+    WriteLine(Show(g_context, value, ScreenWidth()), false);
   }
+  for (const std::string& name : DeclaredNames(script)) g_declared.insert(name);
+}
+
+void AddLine(const std::string& line) {
+  g_begun += line + "\n";
+  if (IsUnfinished(g_context, g_begun)) {
+    rl_set_prompt(kMorePrompt);
+    return;
+  }
+  rl_set_prompt(kPrompt);
+  EvaluateTyped(std::exchange(g_begun, ""));
+}
+
+// On a new line of the screen; what was typed is neither run nor remembered.
+void DropTyped() {
+  rl_callback_sigcleanup();
+  rl_free_line_state();
+  g_begun.clear();
+  fputs("^C\n", rl_outstream);
+  rl_set_prompt(kPrompt);
+  rl_replace_line("", 0);
+  rl_on_new_line();
+  rl_redisplay();
+  g_typing.store(false);
 }
 
 void ShowHelpOf(std::string name) {
@@ -74,7 +122,22 @@ void ShowHelpOf(std::string name) {
             false);
 }
 
+// What begins with a dot and a letter is the prompt's own.
+void Command(std::string line) {
+  line.erase(line.find_last_not_of(" \t") + 1);
+  if (line == ".exit") {
+    Runtime::Get().RequestExit(EXIT_SUCCESS);
+  } else if (line == ".help") {
+    WriteLine(kHelp, false);
+  } else if (line.starts_with(kHelpOfMethod)) {
+    ShowHelpOf(line.substr(sizeof kHelpOfMethod - 1));
+  } else {
+    WriteLine("no command " + line + ": .help says what there is", false);
+  }
+}
+
 void OnLine(char* typed) {
+  g_typing.store(false);
   if (typed == nullptr) {
     WriteLine("", false);
     Runtime::Get().RequestExit(EXIT_SUCCESS);
@@ -83,17 +146,14 @@ void OnLine(char* typed) {
   const std::string line = typed;
   // readline allocates with malloc.
   free(typed);
-  if (line.find_first_not_of(" \t") == std::string::npos) return;
-  add_history(line.c_str());
-  if (line == ".exit") {
-    Runtime::Get().RequestExit(EXIT_SUCCESS);
-  } else if (line == ".help") {
-    WriteLine(kHelp, false);
-  } else if (line.starts_with(kHelpOfMethod)) {
-    ShowHelpOf(line.substr(sizeof kHelpOfMethod - 1));
-  } else {
-    EvaluateLine(line);
-  }
+  const bool blank = line.find_first_not_of(" \t") == std::string::npos;
+  if (!blank) add_history(line.c_str());
+  if (g_begun.empty() && blank) return;
+  if (g_begun.empty() && line[0] == '.' && line.size() > 1 &&
+      isalpha(static_cast<unsigned char>(line[1])) != 0)
+    Command(line);
+  else
+    AddLine(line);
   // The next prompt is shown by readline itself.
   TakeDisturbed();
 }
@@ -104,10 +164,24 @@ char* NextCandidate(const char*, int state) {
   return next < g_candidates.size() ? strdup(g_candidates[next++].c_str()) : nullptr;
 }
 
+// Shows the arguments of the function that the line is about to call; false when it is about to call none that there
+// is help for.
+bool ShowArguments(std::string_view line) {
+  const std::string called = CalledFunction(line);
+  const MethodHelp* const help = called.empty() ? nullptr : FindHelp(g_help, called);
+  if (help == nullptr || help->name != called) return false;
+  fprintf(rl_outstream, "\n  %s\n", help->signature.c_str());
+  rl_on_new_line();
+  rl_redisplay();
+  return true;
+}
+
 char** Complete(const char* word, int start, int end) {
   rl_attempted_completion_over = 1;
   rl_completion_append_character = '\0';
-  const Unfinished unfinished = FindUnfinished({rl_line_buffer, static_cast<size_t>(end)});
+  const std::string_view line(rl_line_buffer, static_cast<size_t>(end));
+  const Unfinished unfinished = FindUnfinished(line);
+  if (ShowArguments(line)) return nullptr;
   // What readline takes for the word ends in our prefix, and may begin with the object.
   const std::string before(word, static_cast<size_t>(end - start) - unfinished.prefix.size());
   g_candidates.clear();
@@ -118,6 +192,10 @@ char** Complete(const char* word, int start, int end) {
   } else {
     for (const std::string& name : PropertyNames(g_context, unfinished))
       g_candidates.push_back(before + name);
+    for (const std::string& name : g_declared) {
+      if (unfinished.object.empty() && name.starts_with(unfinished.prefix) && Exists(g_context, name))
+        g_candidates.push_back(before + name);
+    }
   }
   return rl_completion_matches(word, NextCandidate);
 }
@@ -144,6 +222,18 @@ void TakeTerminal() {
   rl_completer_word_break_characters = " \t\n\"'`()[]{}<>=+-*/%&|^!~?:;,";
 }
 
+void ReadKey() {
+  rl_callback_read_char();
+  g_typing.store(rl_end > 0 || !g_begun.empty());
+}
+
+void BeforeWaiting() {
+  if (g_drop.exchange(false)) DropTyped();
+  if (!TakeDisturbed()) return;
+  rl_on_new_line();
+  rl_redisplay();
+}
+
 }  // namespace
 
 void RunPrompt(JSContextRef context, Loop& loop) {
@@ -154,18 +244,23 @@ void RunPrompt(JSContextRef context, Loop& loop) {
   using_history();
   stifle_history(kHistoryLines);
   if (!history.empty()) read_history(history.c_str());
+  WriteLine(kGreeting, false);
   rl_callback_handler_install(kPrompt, OnLine);
   ShowAbovePrompt(true);
-  loop.WatchInput(STDIN_FILENO, rl_callback_read_char, [] {
-    if (!TakeDisturbed()) return;
-    rl_on_new_line();
-    rl_redisplay();
-  });
+  loop.WatchInput(STDIN_FILENO, ReadKey, BeforeWaiting);
   while (JSValueRef thrown = loop.Run(context)) WriteLine(DescribeError(context, thrown), false);
   ShowAbovePrompt(false);
   rl_callback_handler_remove();
+  // A signal leaves the prompt standing on its line.
+  if (Runtime::Get().ExitStatus() > kBySignal) WriteLine("", false);
   g_taken.store(false);
   if (!history.empty()) write_history(history.c_str());
+}
+
+bool DropTypedLine() {
+  if (!g_typing.load() || g_drop.exchange(true)) return false;
+  Runtime::Get().Wake();
+  return true;
 }
 
 void RestoreTerminal() {

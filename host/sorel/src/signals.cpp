@@ -14,7 +14,9 @@ namespace {
 
 Runtime* g_runtime = nullptr;
 void (*g_restore)() = nullptr;
-uint64_t g_firstNs = 0;  // of the first signal; 0: none yet
+bool (*g_interrupt)() = nullptr;
+uint64_t g_lastNs = 0;  // of the last request; 0: none yet
+bool g_ending = false;
 
 // One key press reaches a whole process group, and a parent may pass it on besides: that is one request, not
 // two.
@@ -36,13 +38,16 @@ sigset_t EndingSignals() {
 
 void OnSignal(int signal) {
   const uint64_t now = NowNs();
-  if (g_firstNs == 0) {
-    g_firstNs = now;
-    g_runtime->RequestExitBySignal(signal);
-  } else if (now - g_firstNs > kOneRequestNs) {
+  const bool again = g_lastNs != 0 && now - g_lastNs <= kOneRequestNs;
+  if (again && (g_ending || signal == SIGINT)) return;
+  g_lastNs = now;
+  if (g_ending) {
     g_restore();
     _exit(128 + signal);
   }
+  if (signal == SIGINT && g_interrupt()) return;
+  g_ending = true;
+  g_runtime->RequestExitBySignal(signal);
 }
 
 int32_t AwaitSignals(void* /*ignored*/) {
@@ -60,9 +65,10 @@ void HoldSignals() {
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
-void CatchSignals(void (*restore)()) {
+void CatchSignals(void (*restore)(), bool (*interrupt)()) {
   g_runtime = &Runtime::Get();
   g_restore = restore;
+  g_interrupt = interrupt;
   if (zq__beginthread(AwaitSignals, nullptr, nullptr, "sorel", __LINE__) != 0) return;
   // Without the thread the first signal ends the process, as for any program.
   const sigset_t signals = EndingSignals();

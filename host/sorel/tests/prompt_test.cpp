@@ -53,6 +53,77 @@ TEST_F(Prompt, CompletesMethodsOfTheObjectBeforeTheDot) {
   program.Type("globalThis.clearT\t.name\r");
   EXPECT_TRUE(program.Await("\"clearTimeout\""));
 }
+TEST_F(Prompt, CompletesNamesThatAreDeclared) {
+  TerminalProgram& program = Start();
+  program.Type("const longName = 'declared'\r{ let longInside = 1 }\r");
+  program.Type("longN\t\r");
+  EXPECT_TRUE(program.Await("\"declared\"\r\n")) << program.Screen();
+  // What has gone with its block is not offered.
+  program.Type("print('<' + 'longI\t>')\r");
+  EXPECT_TRUE(program.Await("<longI>\r\n")) << program.Screen();
+}
+TEST_F(Prompt, ShowsTheArgumentsOfTheCallThatIsBegun) {
+  TerminalProgram& program = Start();
+  program.Type("setTimeout(\t");
+  EXPECT_TRUE(program.Await("setTimeout(callback: ")) << program.Screen();
+  program.Type("() => print(load(\t");
+  EXPECT_TRUE(program.Await("load(path: string): unknown")) << program.Screen();
+  program.Type("'a'), \t");
+  EXPECT_TRUE(program.Await("print(...values: unknown[]): void")) << program.Screen();
+}
+TEST_F(Prompt, APieceThatIsNotFinishedGoesOnInTheNextLine) {
+  TerminalProgram& program = Start();
+  program.Type("const twice = (n) => {\r");
+  EXPECT_TRUE(program.Await("... "));
+  program.Type("\r  return n * 2\r}\r");
+  program.Type("twice(21)\r");
+  EXPECT_TRUE(program.Await("42\r\n")) << program.Screen();
+  program.Type("`one\rtwo`\r");
+  EXPECT_TRUE(program.Await("\"one\\ntwo\"\r\n")) << program.Screen();
+  program.Type("1 /* two\r*/ + 1\r");
+  EXPECT_TRUE(program.Await("2\r\n")) << program.Screen();
+  // Nothing that follows would mend these.
+  for (const std::string line : {"'one", "\"one", "1 = ;", "}"}) {
+    program.Type(line + "\r");
+    EXPECT_TRUE(program.Await("SyntaxError: ")) << program.Screen();
+  }
+}
+TEST_F(Prompt, AnInterruptDropsWhatIsTypedAndEndsTheHostWhenNothingIs) {
+  TerminalProgram& program = Start();
+  program.Type("globalThis.gone = [\r1, 2");
+  EXPECT_TRUE(program.Await("... 1, 2"));
+  program.Signal(SIGINT);
+  EXPECT_TRUE(program.Await("^C\r\n> ")) << program.Screen();
+  program.Type("typeof gone + 0\r");
+  EXPECT_TRUE(program.Await("\"undefined0\"\r\n")) << program.Screen();
+  program.Type(".exit\r");
+  EXPECT_EQ(program.AwaitEnd(), 0);
+  Start().Signal(SIGINT);
+  EXPECT_EQ(program_->AwaitEnd(), 128 + SIGINT);
+  EXPECT_FALSE(program_->IsRaw());
+}
+TEST_F(Prompt, ATerminationEndsTheHostWhateverIsTyped) {
+  Start().Type("[1, 2");
+  EXPECT_TRUE(program_->Await("[1, 2"));
+  program_->Signal(SIGTERM);
+  EXPECT_EQ(program_->AwaitEnd(), 128 + SIGTERM);
+}
+TEST_F(Prompt, ValuesWiderThanTheScreenHaveALineForEachElement) {
+  TerminalProgram& program = Start();
+  program.Type("Array.from('ab', (c) => c.repeat(120))\r");
+  EXPECT_TRUE(program.Await("[\r\n  \"" + std::string(120, 'a') + "\",\r\n  \"" + std::string(120, 'b') +
+                            "\"\r\n]\r\n"))
+      << program.Screen();
+}
+TEST_F(Prompt, ACommandThatThereIsNotIsSaid) {
+  TerminalProgram& program = Start();
+  program.Type(".halp\r");
+  EXPECT_TRUE(program.Await("no command .halp: .help says what there is\r\n")) << program.Screen();
+  program.Type(".5 + 1\r");
+  EXPECT_TRUE(program.Await("1.5\r\n")) << program.Screen();
+  program.Type(".help \r");
+  EXPECT_TRUE(program.Await(".help METHOD")) << program.Screen();
+}
 TEST_F(Prompt, TimersAndListenersGoOnWhileItWaits) {
   TerminalProgram& program = Start();
   program.Type("const p = new Probe(); p.listen({on() {}, onLast(row) { print('from ' + row.Name) }})\r");
