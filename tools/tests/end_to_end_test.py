@@ -20,7 +20,7 @@ import at_once  # noqa: E402
 EXAMPLE = os.path.join(support.ROOT, "examples", "packages", "hello-update")
 PROGRAMS = None
 
-# Says what the update listener hears.
+# Says what the update listener hears, with each argument as it is.
 LISTEN = """
 const util = new ZQUtil();
 const isThere = (path) => {
@@ -32,12 +32,12 @@ const isThere = (path) => {
   return true;
 };
 util.registerUpdateListener({
-  forcedUpdateAvailable: () => print('forced'),
-  onDownloading: (percent) => print('downloading', percent),
-  onInstalling: () => print('installing'),
+  forcedUpdateAvailable: (...none) => print('forced', ...none),
+  onDownloading: (...values) => print('downloading', ...values.map((value) => JSON.stringify(value))),
+  onInstalling: (...none) => print('installing', ...none),
   // The device cleans up after this call.
-  onDownloadFailed: () => {
-    print('failed');
+  onDownloadFailed: (...none) => {
+    print('failed', ...none);
     setInterval(() => { if (!isThere('/tmp/app-hello-update.tgz')) exit(0); }, 50);
   },
 });
@@ -48,10 +48,11 @@ const look = setInterval(() => {
   const [first] = util.GetUpdateList();
   if (!first) return;
   clearInterval(look);
-  print('offered', first.ID, first.Name);
+  print('offered', JSON.stringify(first));
   util.beginUpdate(first.ID);
 }, 50);
 """
+OFFERED = 'offered {"ID":7,"Name":"Hello"}'
 # Says whether the server could be reached, and what it offered a moment later.
 CHECK = """
 const util = new ZQUtil();
@@ -134,7 +135,7 @@ class UpdateTest(EndToEndTest):
 
     def test_optional_update_is_offered_chosen_installed_and_acknowledged(self):
         self.offer("")
-        self.assertEqual(self.script(TAKE_UPDATE), ["offered 7 Hello", "downloading 100", "installing"])
+        self.assertEqual(self.script(TAKE_UPDATE), [OFFERED, "downloading 100", "installing"])
         self.assertTrue(self.installed())
         self.assertEqual(self.acknowledged(), ["device=1 update=7"])
         # The device keeps its number, and the server does not offer the update again.
@@ -156,7 +157,7 @@ class UpdateTest(EndToEndTest):
 
     def test_package_comes_over_https_from_a_server_that_proves_its_name(self):
         self.offer("[server]\npackages = https\n")
-        self.assertEqual(self.script(TAKE_UPDATE), ["offered 7 Hello", "downloading 100", "installing"])
+        self.assertEqual(self.script(TAKE_UPDATE), [OFFERED, "downloading 100", "installing"])
         self.assertTrue(self.installed())
 
     def test_broken_download_is_told_and_leaves_nothing(self):
@@ -171,13 +172,13 @@ class UpdateTest(EndToEndTest):
         os.mkdir(silent)
         support.write(os.path.join(silent, "run"), "#!/bin/sh\nexit 0\n")
         self.offer("", folder=silent)
-        self.assertEqual(self.script(TAKE_UPDATE), ["offered 7 Hello", "downloading 100", "installing"])
+        self.assertEqual(self.script(TAKE_UPDATE), [OFFERED, "downloading 100", "installing"])
         self.assertEqual(self.acknowledged(), [])
 
     def test_board_whose_system_installs_gets_the_package_and_says_when_it_is_done(self):
         self.nvram("set", "sys.bldrver", "0")
         self.offer("")
-        self.assertEqual(self.script(TAKE_UPDATE), ["offered 7 Hello", "downloading 100", "installing"])
+        self.assertEqual(self.script(TAKE_UPDATE), [OFFERED, "downloading 100", "installing"])
         self.assertTrue(self.installed())
         self.assertEqual(os.listdir(os.path.join(self.device, "updates")), ["hello.txt"])
         self.assertEqual((self.acknowledged(), self.left_over()), (["device=1 update=7"], []))
