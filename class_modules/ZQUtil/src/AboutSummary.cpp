@@ -18,7 +18,7 @@ struct FreeScanRecord {
 
 void GatherWireless(ZQNetwork& network, AboutSummary& summary) {
   const OwnedText configured(network.getConfiguredESSID());
-  if (configured == nullptr) return;
+  if (configured == nullptr || *configured == '\0') return;
   const std::unique_ptr<_ESSIDStruct, FreeScanRecord> record(network.GetESSIDInfo(configured.get()));
   if (record == nullptr) return;
   if (record->ESSID != nullptr) summary.network = record->ESSID;

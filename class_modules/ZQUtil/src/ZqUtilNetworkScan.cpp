@@ -112,7 +112,9 @@ int32_t ZQUtil::GetESSID(void* /*self*/, uint32_t /*argc*/, zq_Value* /*argv*/, 
   void* const object = ReturnNewObject(rval);
   if (network == nullptr) return 1;
   const OwnedText configured(network->getConfiguredESSID());
-  const OwnedRecord record(configured != nullptr ? network->GetESSIDInfo(configured.get()) : nullptr);
+  // The radio of a device that is set up for none may have joined one all the same.
+  const bool any = configured != nullptr && *configured != '\0';
+  const OwnedRecord record(any ? network->GetESSIDInfo(configured.get()) : nullptr);
   if (record.Name() != nullptr) {
     ZQUTIL_TRACE("ZQUtil GetESSID testing %s (%s)\n", record.Name(), configured.get());
     if (SameName(record.Name(), configured.get())) {

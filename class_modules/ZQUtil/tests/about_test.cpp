@@ -274,9 +274,16 @@ TEST_F(AboutTest, AWirelessDevicesSummaryNamesItsNetworkAndItsStrength) {
   EXPECT_EQ(Value(summary, "SignalStrength"), strength);
 }
 
-TEST_F(AboutTest, AWirelessDeviceWithoutANetworkHasNoName) {
+TEST_F(AboutTest, AWirelessDeviceWithoutANetworkHasNoNameAndNoStrengthWhateverTheRadioHasJoined) {
+  const std::string link = OnThisMachine("/hw/ra0/link.ini");
+  const std::string before = ReadFile(link);
+  WriteFile(link, "[link]\nup = yes\nassociated = yes\nlevel = 196\n[address]\nip = 10.0.0.7\n");
   StoreKey("net.wifi", "yes");
-  EXPECT_EQ(Value(Summary(), "Network"), "");
+  const std::string summary = Summary();
+  WriteFile(link, before);
+  EXPECT_EQ(Value(summary, "IPAddr"), "10.0.0.7");
+  EXPECT_EQ(Value(summary, "Network"), "");
+  EXPECT_EQ(Value(summary, "SignalStrength"), "<int 0>");
 }
 
 TEST_F(AboutTest, AClockThatNoServerSetsHasNoServers) {

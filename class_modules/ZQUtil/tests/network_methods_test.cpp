@@ -635,6 +635,13 @@ TEST_F(RadioTest, TheCurrentNetworkBearsItsNameAlsoWhenItIsNotJoined) {
   EXPECT_EQ(ObjectOf("getESSID"), "Name=Home Signal=<int 54> Encrypted=<int 0> Connected=<int 1>");
 }
 
+TEST_F(RadioTest, WithoutAConfiguredNetworkTheCurrentOneIsEmptyWhateverTheRadioHasJoined) {
+  Join();
+  ForgetTraces();
+  EXPECT_EQ(ObjectOf("getESSID"), "Name= Signal=<int 0> Encrypted=<int 0> Connected=<int 0>");
+  EXPECT_EQ(MethodTraces(), "ZQUtil GUI Call to GetESSID\n");
+}
+
 TEST_F(RadioTest, ACurrentNetworkWithoutANameOrAStoreIsEmpty) {
   StoreKey("net.essid", "Home");
   const ClosedKeyStore closed;
