@@ -16,16 +16,18 @@ declare const console: {
 
 /**
  * Calls `callback` once. The host lives on until then.
- * @param milliseconds from 1; what is less, or no number, is 1
+ * @param milliseconds 1 to 2147483647; what is less, or no number, is 1
  * @returns what `clearTimeout` takes
+ * @throws when `callback` is no function
  */
 declare function setTimeout(callback: (...values: any[]) => void, milliseconds?: number, ...values: unknown[]): number;
 /** Forgets a timer; one that has fired, or never was, does no harm. */
 declare function clearTimeout(id?: number): void;
 /**
  * Calls `callback` again and again.
- * @param milliseconds from 1; what is less, or no number, is 1
+ * @param milliseconds 1 to 2147483647; what is less, or no number, is 1
  * @returns what `clearInterval` takes
+ * @throws when `callback` is no function
  */
 declare function setInterval(callback: (...values: any[]) => void, milliseconds?: number, ...values: unknown[]): number;
 /** Forgets a timer. */

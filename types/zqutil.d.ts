@@ -4,7 +4,7 @@
 //
 // - Yes and no are texts ("YES", "no", "TRUE" and so on, as each method says), never booleans; volumes and levels
 //   come back as texts of decimal digits too. `Number(util.getBrightness())` makes a number of one.
-// - Setters take texts and numbers alike. One that wants a number reads the decimal digits that the text begins with
+// - Setters take texts and numbers alike. One that wants a number reads the whole number that the text begins with
 //   (33.9 is 33, "50%" is 50, and what begins with none is 0), and moves a number outside the range to its nearer
 //   end. `undefined` and `null` count as missing, and a setter that misses an argument does nothing. Arguments beyond
 //   those that are named here change nothing, unless the method says how many it wants. A text ends at its first NUL.
@@ -203,12 +203,14 @@ declare class ZQUtil {
   /**
    * Looks for wireless networks, now. The script stands still until the radio has answered, a quarter of a second and
    * more: use `backgroundGetESSIDList` from a screen. Two access points of one name are one entry, the first heard;
-   * hidden networks, and those without access point (ad-hoc), are left out.
+   * hidden networks, and those without access point (ad-hoc), are left out. Where the device is connected to one of
+   * them, asking puts off a check for updates as `getIP` does.
    * @returns the networks in the order heard; an empty array without radio
    */
   getESSIDList(): ZQAccessPoint[];
   /**
-   * The networks that the last scan found, without a new one.
+   * The networks that the last scan found, without a new one; which of them is connected is looked up now, as by
+   * `getESSIDList`.
    * @returns an empty array before the first scan and while one is under way
    */
   getCachedESSIDList(): ZQAccessPoint[];
