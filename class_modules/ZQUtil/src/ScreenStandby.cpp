@@ -3,6 +3,7 @@
 
 #include <atomic>
 
+#include "DisplayLibrary.h"
 #include "ZQScreen.h"
 #include "ZQUtilTrace.h"
 // After Xlib.h, whose types it uses.
@@ -87,7 +88,7 @@ void ForceStandby(Display* display) {
 void ZQScreen::ScreenStandby() {
   ZQUTIL_TRACE("In ScreenStandby\n");
   // Never closed: a server whose last connection closes starts anew, which would light the display again.
-  Display* const display = XOpenDisplay(nullptr);
+  Display* const display = LoadDisplayLibrary() ? XOpenDisplay(nullptr) : nullptr;
   if (display == nullptr) {
     ZQUTIL_TRACE("XOpenDisplay failed.\n");
     return;

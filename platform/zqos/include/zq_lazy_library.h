@@ -10,8 +10,13 @@
 
 class ZQ_API zq_LazyLibrary {
  public:
+  // Whose definition of a function is called: the library's; or the process's, where the program, what it is linked
+  // with or a preloaded library has one, as for a library that is linked.
+  enum Search { kLibraryAlone, kProcessFirst };
+
   // The name that programs built against it load; not copied.
-  constexpr explicit zq_LazyLibrary(const char* name) : name_(name) {}
+  constexpr explicit zq_LazyLibrary(const char* name, Search search = kLibraryAlone)
+      : name_(name), search_(search) {}
   zq_LazyLibrary(const zq_LazyLibrary&) = delete;
   zq_LazyLibrary& operator=(const zq_LazyLibrary&) = delete;
 
@@ -22,6 +27,7 @@ class ZQ_API zq_LazyLibrary {
 
  private:
   const char* const name_;
+  const Search search_;
   std::atomic<void*> handle_ = nullptr;
 };
 

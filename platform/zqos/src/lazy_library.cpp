@@ -1,3 +1,5 @@
+#include <dlfcn.h>
+
 #include <cstdlib>
 
 #include "platform_trace.h"
@@ -17,7 +19,8 @@ bool zq_LazyLibrary::Load() {
 }
 
 void* zq_LazyLibrary::Symbol(const char* symbol) {
-  void* const found = Load() ? zq_GetProcAddress(handle_, symbol) : nullptr;
+  void* found = search_ == kProcessFirst ? dlsym(RTLD_DEFAULT, symbol) : nullptr;
+  if (found == nullptr && Load()) found = zq_GetProcAddress(handle_, symbol);
   if (found == nullptr) {
     PlatformFailure("%s lacks %s\n", name_, symbol);
     std::abort();

@@ -8,6 +8,7 @@
 #include "temp_dir.h"
 #include "trace_capture.h"
 #include "zq_file.h"
+#include "zq_lazy_library.h"
 #include "zq_system.h"
 
 namespace {
@@ -87,6 +88,37 @@ TEST_F(ElsewhereTest, ABrokenOneBesideThePlatformIsNotReplacedByTheSystems) {
   void* systems = Load("libdl.so.2");
   EXPECT_NE(systems, nullptr);
   zq_FreeLibrary(systems);
+}
+
+}  // namespace
+
+// The program's own, where a library has one of the same name.
+extern "C" __attribute__((visibility("default"))) const char* zlibVersion() {
+  return "the program's";
+}
+
+namespace {
+
+using Version = const char* (*)();
+
+TEST(LazyLibrary, AloneIsNotMistakenForTheProgram) {
+  zq_LazyLibrary zlib("libz.so.1");
+  ASSERT_TRUE(zlib.Load());
+  EXPECT_STRNE(reinterpret_cast<Version>(zlib.Symbol("zlibVersion"))(), "the program's");
+}
+
+TEST(LazyLibrary, LeavesWhatTheProcessHasToTheProcess) {
+  zq_LazyLibrary zlib("libz.so.1", zq_LazyLibrary::kProcessFirst);
+  ASSERT_TRUE(zlib.Load());
+  EXPECT_STREQ(reinterpret_cast<Version>(zlib.Symbol("zlibVersion"))(), "the program's");
+  EXPECT_NE(zlib.Symbol("zlibCompileFlags"), nullptr) << "which the process has not";
+}
+
+TEST(LazyLibrary, SaysThatItIsNotInstalled) {
+  zq_LazyLibrary missing("libnot-here.so", zq_LazyLibrary::kProcessFirst);
+  const TraceCapture trace;
+  EXPECT_FALSE(missing.Load());
+  EXPECT_THAT(trace.Texts(), testing::ElementsAre(testing::HasSubstr("libnot-here.so is not installed")));
 }
 
 }  // namespace
