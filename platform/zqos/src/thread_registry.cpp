@@ -89,7 +89,7 @@ uint32_t ThreadRegistry::Start(zq_ThreadFunction function, void* argument, size_
   const std::lock_guard lock(mutex_);
   const uint32_t handle = launch->handle = FreeHandle();
   size_t& running = running_[function];
-  Entry& entry = alive_.insert({handle, {function, {}}}).first->second;
+  Entry& entry = alive_.insert({handle, {function, {}, false, {}}}).first->second;
   {
     const BlockedSignals blocked;
     *error = pthread_create(&entry.thread, attributes.Get(), &ThreadRegistry::Run, launch.get());
@@ -109,9 +109,17 @@ void* ThreadRegistry::Run(void* argument) {
   delete launch;
   void* const handle = HandleAsPointer(own.handle);
   const bool endsByKey = pthread_setspecific(Get().ownHandle_, handle) == 0;
+  Get().Begin(own.handle);
   own.function(own.argument);
   if (!endsByKey) Ended(handle);
   return nullptr;
+}
+
+void ThreadRegistry::Begin(uint32_t handle) {
+  const std::lock_guard lock(mutex_);
+  Entry& entry = alive_.find(handle)->second;
+  entry.begun = true;
+  if (entry.name) pthread_setname_np(pthread_self(), entry.name->c_str());
 }
 
 void ThreadRegistry::Ended(void* handle) {
@@ -134,7 +142,14 @@ void ThreadRegistry::SetName(uint32_t handle, const char* name) {
   }
   const std::lock_guard lock(mutex_);
   const auto entry = alive_.find(handle);
-  if (entry != alive_.end()) pthread_setname_np(entry->second.thread, kept);
+  if (entry == alive_.end()) return;
+  // A thread names itself with less than another does: that goes by /proc, and leaves entries of it there for the
+  // system to clear away when the process has ended.
+  if (entry->second.begun) {
+    pthread_setname_np(entry->second.thread, kept);
+  } else {
+    entry->second.name = kept;
+  }
 }
 
 bool ThreadRegistry::AwaitEnd(zq_ThreadFunction function, uint32_t milliseconds) {

@@ -7,6 +7,8 @@
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <optional>
+#include <string>
 #include <unordered_map>
 
 #include "zq_thread.h"
@@ -26,11 +28,14 @@ class ThreadRegistry {
   struct Entry {
     zq_ThreadFunction function;
     pthread_t thread;
+    bool begun;                       // its function is about to run, or runs
+    std::optional<std::string> name;  // that it takes on then
   };
   struct Launch;
 
   ThreadRegistry();
   static void* Run(void* start);
+  void Begin(uint32_t handle);
   static void Ended(void* handle);
   uint32_t FreeHandle();
 
