@@ -1,8 +1,13 @@
 #include "TimeZoneTable.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <cstring>
+#include <numeric>
+#include <string_view>
 
-const TimeZoneRow tztable[kTimeZoneRows] = {
+constexpr TimeZoneRow tztable[kTimeZoneRows] = {
     {"/usr/share/zoneinfo/Australia/Adelaide", "(GMT+09:30) Adelaide"},
     {"/usr/share/zoneinfo/US/Alaska", "(GMT-09:00) Alaska"},
     {"/usr/share/zoneinfo/Asia/Almaty", "(GMT+06:00) Almaty, Novesibirsk"},
@@ -82,11 +87,30 @@ const TimeZoneRow tztable[kTimeZoneRows] = {
     {"/usr/share/zoneinfo/Asia/Yerevan", "(GMT+04:00) Yerevan"},
 };
 
+namespace {
+
+constexpr std::string_view PathOf(uint8_t row) {
+  return tztable[row].path;
+}
+
+using RowNumbers = std::array<uint8_t, kTimeZoneRows>;
+
+constexpr RowNumbers SortedByPath() {
+  RowNumbers rows{};
+  std::iota(rows.begin(), rows.end(), uint8_t{0});
+  std::ranges::sort(rows, {}, PathOf);
+  return rows;
+}
+
+// A walk asks for each file of the zoneinfo tree, which are many more than there are rows.
+constexpr RowNumbers kByPath = SortedByPath();
+static_assert(std::ranges::adjacent_find(kByPath, {}, PathOf) == kByPath.end(), "no path has two rows");
+
+}  // namespace
+
 const TimeZoneRow* FindTimeZoneRow(const char* path) {
-  for (const TimeZoneRow& row : tztable) {
-    if (std::strcmp(row.path, path) == 0) return &row;
-  }
-  return nullptr;
+  const auto* const found = std::ranges::lower_bound(kByPath, std::string_view(path), {}, PathOf);
+  return found != kByPath.end() && PathOf(*found) == path ? &tztable[*found] : nullptr;
 }
 
 bool TimeZonesBelow(const char* folder) {

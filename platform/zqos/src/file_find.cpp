@@ -1,10 +1,10 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
-#include <cstdio>
 #include <exception>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "file_pattern.h"
 #include "zq_file.h"
@@ -45,7 +45,7 @@ bool zq_FindNextFile(zq_Find* find, zq_FindData* data) {
   if (find == nullptr || data == nullptr || find->folder == nullptr) return false;
   while (const dirent* entry = readdir(find->folder)) {
     if (!NameMatches(find->split.names, entry->d_name)) continue;
-    snprintf(data->name, sizeof data->name, "%s", entry->d_name);
+    data->name[std::string_view(entry->d_name).copy(data->name, sizeof data->name - 1)] = '\0';
     data->isDirectory = IsDirectory(find->folder, *entry);
     return true;
   }

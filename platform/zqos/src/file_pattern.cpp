@@ -11,6 +11,7 @@ FilePattern SplitPattern(const std::string& pattern) {
 }
 
 bool NameMatches(const std::string& names, const char* name) {
+  if (names == "*") return true;
   const int result = fnmatch(names.c_str(), name, 0);
   if (result == 0 || result == FNM_NOMATCH) return result == 0;
   // No text in this locale: byte by byte then.
