@@ -1,4 +1,4 @@
-// The card as DIR/hw/mixer.ini has it. Read anew for each call, because a person edits the file while programs run.
+// The card as DIR/hw/mixer.ini has it. As it is at each call, because a person edits the file while programs run.
 #ifndef ZQSIM_MIXER_FILE_H
 #define ZQSIM_MIXER_FILE_H
 

@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <thread>
 
 #include "temp_dir.h"
 
@@ -128,6 +130,22 @@ TEST_F(MixerTest, ReadsWhatThePersonWroteAndThePersonReadsWhatItWrites) {
   ASSERT_EQ(Read("Master Playback Volume"), 0);
   EXPECT_EQ(Numbers(), "7,8");
   EXPECT_NE(ReadFile(MixerFile()).find("7,8"), std::string::npos);
+}
+
+// Whatever the plugin keeps of a file that it has read while nobody changed it for a while.
+TEST_F(MixerTest, ReadsWhatThePersonChangesAfterALongRest) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(150));
+  ASSERT_EQ(Read("Master Playback Volume"), 0);
+  EXPECT_EQ(Numbers(), "23,24");
+  for (const char* values : {"25,26", "27,28"}) {
+    std::string text = kWholeCard;
+    SetCard(text.replace(text.find("23,24"), 5, values));
+    ASSERT_EQ(Read("Master Playback Volume"), 0);
+    EXPECT_EQ(Numbers(), values);
+  }
+  ASSERT_EQ(Write("Master Playback Volume", 29, 30), 1);
+  ASSERT_EQ(Read("Master Playback Volume"), 0);
+  EXPECT_EQ(Numbers(), "29,30");
 }
 
 TEST_F(MixerTest, RefusesAValueOutsideTheRangeAndKeepsTheOldOne) {
