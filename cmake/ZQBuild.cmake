@@ -16,9 +16,10 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 # The libraries find each other beside themselves, in the build folder as after installation.
 # Both are one text: CMake would else pad the shorter one with an empty entry, by which the loader
 # looks for every library in the working folder first.
-set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../lib")
+# The loader looks at each of these in a dozen subfolders for the processor's kind: first where a program finds them.
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib;$ORIGIN")
 if(NOT CMAKE_INSTALL_LIBDIR STREQUAL "lib")
-  list(APPEND CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+  list(PREPEND CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 endif()
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 
