@@ -38,5 +38,13 @@ class ZQ_API zq_LazyLibrary {
     return real arguments;                                                                          \
   }
 
+// As ZQ_PASS_ON; the function answers 0 where the library is missing.
+#define ZQ_PASS_ON_OR_NOTHING(library, result, function, parameters, arguments)                     \
+  result function parameters {                                                                      \
+    if (!(library).Load()) return static_cast<result>(0);                                           \
+    static auto* const real = reinterpret_cast<decltype(&(function))>((library).Symbol(#function)); \
+    return real arguments;                                                                          \
+  }
+
 #endif
 #endif

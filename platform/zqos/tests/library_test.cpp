@@ -114,6 +114,13 @@ TEST(LazyLibrary, LeavesWhatTheProcessHasToTheProcess) {
   EXPECT_NE(zlib.Symbol("zlibCompileFlags"), nullptr) << "which the process has not";
 }
 
+zq_LazyLibrary g_missing("libnot-here.so");
+ZQ_PASS_ON_OR_NOTHING(g_missing, const char*, TextOfNoLibrary, (int number), (number))
+
+TEST(LazyLibrary, AnswersNothingWhereItIsMissing) {
+  EXPECT_EQ(TextOfNoLibrary(1), nullptr);
+}
+
 TEST(LazyLibrary, SaysThatItIsNotInstalled) {
   zq_LazyLibrary missing("libnot-here.so", zq_LazyLibrary::kProcessFirst);
   const TraceCapture trace;
