@@ -3,10 +3,6 @@
 #include <termios.h>
 #include <unistd.h>
 
-// readline's header wants these first.
-#include <readline/history.h>
-#include <readline/readline.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cctype>
@@ -24,6 +20,7 @@
 #include "js_text.h"
 #include "method_help.h"
 #include "output.h"
+#include "readline_library.h"
 #include "runtime.h"
 #include "script.h"
 #include "show.h"
@@ -103,7 +100,7 @@ void DropTyped() {
   rl_callback_sigcleanup();
   rl_free_line_state();
   g_begun.clear();
-  fputs("^C\n", rl_outstream);
+  fputs("^C\n", SOREL_READLINE(rl_outstream));
   rl_set_prompt(kPrompt);
   rl_replace_line("", 0);
   rl_on_new_line();
@@ -170,22 +167,22 @@ bool ShowArguments(std::string_view line) {
   const std::string called = CalledFunction(line);
   const MethodHelp* const help = called.empty() ? nullptr : FindHelp(g_help, called);
   if (help == nullptr || help->name != called) return false;
-  fprintf(rl_outstream, "\n  %s\n", help->signature.c_str());
+  fprintf(SOREL_READLINE(rl_outstream), "\n  %s\n", help->signature.c_str());
   rl_on_new_line();
   rl_redisplay();
   return true;
 }
 
 char** Complete(const char* word, int start, int end) {
-  rl_attempted_completion_over = 1;
-  rl_completion_append_character = '\0';
-  const std::string_view line(rl_line_buffer, static_cast<size_t>(end));
+  SOREL_READLINE(rl_attempted_completion_over) = 1;
+  SOREL_READLINE(rl_completion_append_character) = '\0';
+  const std::string_view line(SOREL_READLINE(rl_line_buffer), static_cast<size_t>(end));
   const Unfinished unfinished = FindUnfinished(line);
   if (ShowArguments(line)) return nullptr;
   // What readline takes for the word ends in our prefix, and may begin with the object.
   const std::string before(word, static_cast<size_t>(end - start) - unfinished.prefix.size());
   g_candidates.clear();
-  if (std::string_view(rl_line_buffer).starts_with(kHelpOfMethod)) {
+  if (std::string_view(SOREL_READLINE(rl_line_buffer)).starts_with(kHelpOfMethod)) {
     for (const MethodHelp& help : g_help) {
       if (help.name.starts_with(unfinished.prefix)) g_candidates.push_back(before + help.name);
     }
@@ -208,23 +205,23 @@ void ShowCandidates(char** matches, int count, int /*longest*/) {
     const MethodHelp* const help = FindHelp(g_help, name);
     shown += "\n  " + (help != nullptr && help->name == name ? help->signature : name);
   }
-  fprintf(rl_outstream, "%s\n", shown.c_str());
+  fprintf(SOREL_READLINE(rl_outstream), "%s\n", shown.c_str());
   rl_forced_update_display();
 }
 
 void TakeTerminal() {
   if (tcgetattr(STDIN_FILENO, &g_terminal) == 0) g_taken.store(true);
   at_quick_exit(RestoreTerminal);
-  rl_readline_name = "sorel";
-  rl_catch_signals = 0;
-  rl_attempted_completion_function = Complete;
-  rl_completion_display_matches_hook = ShowCandidates;
-  rl_completer_word_break_characters = " \t\n\"'`()[]{}<>=+-*/%&|^!~?:;,";
+  SOREL_READLINE(rl_readline_name) = "sorel";
+  SOREL_READLINE(rl_catch_signals) = 0;
+  SOREL_READLINE(rl_attempted_completion_function) = Complete;
+  SOREL_READLINE(rl_completion_display_matches_hook) = ShowCandidates;
+  SOREL_READLINE(rl_completer_word_break_characters) = " \t\n\"'`()[]{}<>=+-*/%&|^!~?:;,";
 }
 
 void ReadKey() {
   rl_callback_read_char();
-  g_typing.store(rl_end > 0 || !g_begun.empty());
+  g_typing.store(SOREL_READLINE(rl_end) > 0 || !g_begun.empty());
 }
 
 void BeforeWaiting() {
@@ -237,6 +234,11 @@ void BeforeWaiting() {
 }  // namespace
 
 void RunPrompt(JSContextRef context, Loop& loop) {
+  if (!LoadReadline()) {
+    WriteLine("no prompt without libreadline; a script can be run, or read from standard input", true);
+    Runtime::Get().RequestExit(EXIT_FAILURE);
+    return;
+  }
   g_context = context;
   g_help = ReadTypingsFolder(TypingsFolder());
   TakeTerminal();
