@@ -131,7 +131,7 @@ bool DefineMethod(JSObjectRef object, const char* name, zq_NativeMethod method, 
     return false;
   }
   JSObjectRef function = JSObjectMakeFunctionWithCallback(context, JsText::Of(name).Get(), entry);
-  SetLength(context, function, declared);
+  if (declared != 0) SetLength(context, function, declared);
   if (isConstructor) {
     JSValueRef argument = function;
     return JSObjectCallAsFunction(context, found->second.setConstructor, nullptr, 1, &argument, nullptr) !=
