@@ -27,6 +27,11 @@ typedef bool (*JSShouldTerminateCallback)(JSContextRef context, void* data);
 void JSContextGroupSetExecutionTimeLimit(JSContextGroupRef group, double seconds,
                                          JSShouldTerminateCallback callback, void* data);
 
+// Whether an exception that leaves a call of this API costs a walk over the stack of native functions and the look-up of
+// their names, for an inspector.
+void JSGlobalContextSetIncludesNativeCallStackWhenReportingExceptions(JSGlobalContextRef context,
+                                                                      bool included);
+
 // `function` is called with a rejected promise that nobody handles, and its reason.
 void JSGlobalContextSetUnhandledRejectionCallback(JSGlobalContextRef context, JSObjectRef function,
                                                   JSValueRef* exception);

@@ -18,6 +18,7 @@ Runtime::Runtime()
     : wakeFd_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       context_(JSGlobalContextCreate(nullptr)),
       handles_(JSContextGetGroup(context_)) {
+  JSGlobalContextSetIncludesNativeCallStackWhenReportingExceptions(context_, false);
   JSContextGroupAddHeapFinalizer(JSContextGetGroup(context_), AfterCollection, this);
   RestartLimit();
 }
