@@ -37,6 +37,18 @@ PKG_CONFIG_PATH=$work/usr/lib/pkgconfig c++ -std=c++20 -o "$work/by-pkg-config" 
 LD_LIBRARY_PATH=$work/usr/lib ZQ_TRACE=off ZQ_NVRAM_CONFIG=/nonexistent "$work/by-pkg-config" >"$work/said"
 [ "$(cat "$work/said")" = "ok 1" ] || fail "the program built by pkg-config said: $(cat "$work/said")"
 
+# The example of a class module, as its own comment says.
+# shellcheck disable=SC2046
+(cd "$work" && PKG_CONFIG_PATH=$work/usr/lib/pkgconfig && export PKG_CONFIG_PATH &&
+  c++ -std=c++20 -Wall -Wextra -Werror -shared -fPIC $(pkg-config --cflags zqutil) "$here/../../examples/module/Lamp.cpp" \
+    -o Lamp.so &&
+  echo 'const lamp = new Lamp(); lamp.set(40); print(lamp.get(), lamp.name(), typeof ZQUtil); exit(0);' >lamp.js &&
+  usr/bin/sorel --module ./Lamp.so lamp.js &&
+  ZQ_TRACE=off usr/bin/sorel --module ./Lamp.so --module "$(pkg-config --variable=moduledir zqutil)/ZQUtil.so" lamp.js) \
+  >"$work/said" || fail "the example of a class module does not build or run"
+[ "$(cat "$work/said")" = "40 lamp undefined
+40 lamp function" ] || fail "the example of a class module said: $(cat "$work/said")"
+
 echo 'print(new ZQUtil().getPhoneVolume()); exit(0);' >"$work/script.js"
 said=$(cd "$work" && ZQ_TRACE=off usr/bin/sorel --device "$work/device" script.js) || fail "the installed host fails"
 [ "$said" = 75 ] || fail "the installed host said: $said"
