@@ -149,17 +149,27 @@ TEST_F(Zqsim, TwoAtOnceMakeOneDevice) {
 TEST_F(Zqsim, SaysWhatIsWrongWithItsArguments) {
   const auto firstLine = [](const std::vector<std::string>& words) {
     const ProgramResult result = DeviceTest::Zqsim(words);
+    EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
     return std::to_string(result.status) + " " + result.errors.substr(0, result.errors.find('\n'));
   };
-  EXPECT_EQ(firstLine({}), "2 zqsim: what to do?");
-  EXPECT_EQ(firstLine({"fly"}), "2 zqsim: what is \"fly\"?");
-  EXPECT_EQ(firstLine({"run"}), "2 zqsim: DIR is missing");
-  EXPECT_EQ(firstLine({"run", Root()}), "2 zqsim: COMMAND is missing after --");
-  EXPECT_EQ(firstLine({"run", Root(), "sh"}), "2 zqsim: what is \"sh\"?");
-  EXPECT_EQ(firstLine({"create", Root(), "--", "sh"}), "2 zqsim: create takes no command");
-  EXPECT_EQ(firstLine({"create", Root(), "--profile"}), "2 zqsim: --profile needs a name");
-  EXPECT_TRUE(firstLine({"create", Root(), "--profile", "toaster"})
-                  .starts_with("1 zqsim: toaster: there is no such profile in "));
+  const auto refused = [&firstLine](const std::vector<std::string>& words) {
+    const std::string all = firstLine(words);
+    const std::string hint = "; see zqsim --help";
+    EXPECT_TRUE(all.starts_with("2 zqsim: ") && all.ends_with(hint)) << all;
+    return all.substr(9, all.size() - 9 - hint.size());
+  };
+  EXPECT_EQ(refused({}), "what to do?");
+  EXPECT_EQ(refused({"fly"}), "what is \"fly\"?");
+  EXPECT_EQ(refused({"run"}), "DIR is missing");
+  EXPECT_EQ(refused({"run", Root()}), "COMMAND is missing after --");
+  EXPECT_EQ(refused({"run", Root(), "sh"}), "one DIR, and a command after \"--\": what is \"sh\"?");
+  EXPECT_EQ(refused({"run", Root(), "--fast"}), "what is \"--fast\"?");
+  EXPECT_EQ(refused({"create", Root(), "--", "sh"}), "create takes no command");
+  EXPECT_EQ(refused({"create", Root(), "--profile"}), "--profile needs a name");
+  const std::string toaster = firstLine({"create", Root(), "--profile", "toaster"});
+  EXPECT_TRUE(toaster.starts_with("1 zqsim: toaster: there is no such profile in ") &&
+              toaster.ends_with(", but bare home-phone tablet"))
+      << toaster;
   EXPECT_TRUE(firstLine({"create", Root(), "--profile", "../profiles/bare"})
                   .starts_with("1 zqsim: ../profiles/bare: there is no"));
   EXPECT_FALSE(fs::exists(Root()));

@@ -31,7 +31,8 @@ constexpr const char* kUsage =
     "                        they do what the files in /tmp ask for; after a reboot COMMAND runs again.\n"
     "          --supervised  the same, and COMMAND runs again when it ends with status 0, too.\n"
     "                        Either ends after ten new starts.\n"
-    "profiles  lists the ready profiles.\n";
+    "profiles  lists the ready profiles.\n"
+    "--help, --version  say so.\n";
 constexpr const char* kDefaultProfile = "home-phone";
 
 struct Request {
@@ -48,7 +49,7 @@ int Complain(const std::string& what) {
 }
 
 int BadUsage(const std::string& what) {
-  fprintf(stderr, "zqsim: %s\n%s", what.c_str(), kUsage);
+  fprintf(stderr, "zqsim: %s; see zqsim --help\n", what.c_str());
   return 2;
 }
 
@@ -68,8 +69,10 @@ std::string ReadRequest(const std::vector<std::string>& words, Request& request)
       request.system = true;
     } else if (words[i] == "--supervised") {
       request.supervised = true;
-    } else if (words[i].starts_with('-') || !request.folder.empty()) {
+    } else if (words[i].starts_with('-')) {
       return "what is \"" + words[i] + "\"?";
+    } else if (!request.folder.empty()) {
+      return "one DIR, and a command after \"--\": what is \"" + words[i] + "\"?";
     } else {
       request.folder = words[i];
     }
@@ -81,7 +84,8 @@ bool Prepare(const Request& request, const Places& places, fs::path& root, std::
   const fs::path profile = places.profiles / request.profile;
   std::error_code ignored;
   if (request.profile.find('/') != std::string::npos || !fs::exists(profile / "profile.txt", ignored)) {
-    error = request.profile + ": there is no such profile in " + places.profiles.string();
+    error = request.profile + ": there is no such profile in " + places.profiles.string() + ", but";
+    for (const std::string& name : ProfileNames(places.profiles)) error += " " + name;
     return false;
   }
   return PrepareDevice(request.folder, profile, root, error);
@@ -110,6 +114,10 @@ int Run(const std::vector<std::string>& words) {
   const std::string& verb = words.front();
   if (verb == "--help" || verb == "-h" || verb == "help") {
     fputs(kUsage, stdout);
+    return 0;
+  }
+  if (verb == "--version") {
+    puts("zqsim " ZQSIM_VERSION);
     return 0;
   }
   const Places places = FindPlaces();

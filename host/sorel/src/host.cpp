@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "device.h"
 #include "errors.h"
 #include "finalizers.h"
 #include "globals.h"
@@ -45,7 +46,10 @@ bool Host::Start(const Options& options, std::string* error) {
   const bool fromStdin = options.script == "-" || (options.script.empty() && isatty(STDIN_FILENO) == 0);
   interactive_ = options.script.empty() && !fromStdin;
   if (fromStdin && !ReadScriptFromStdin(&script_, error)) return false;
-  if (!fromStdin && !interactive_ && !ReadScript(options.script, &script_, error)) return false;
+  if (!fromStdin && !interactive_ && !ReadScript(options.script, &script_, error)) {
+    if (OnDevice() && !options.script.starts_with('/')) *error += " (looked for in the device's folder)";
+    return false;
+  }
 
   HoldSignals();
   SetUpOutput();

@@ -20,7 +20,7 @@ bool ParseOptions(const std::vector<std::string>& arguments, Options* options, s
     const std::string& argument = arguments[i];
     if (onlyScript || argument == "-" || argument.empty() || argument[0] != '-') {
       if (!options->script.empty()) {
-        *error = "one script at a time: " + argument;
+        *error = "one script at a time, and no arguments for it: " + argument;
         return false;
       }
       options->script = argument;
@@ -43,7 +43,7 @@ bool ParseOptions(const std::vector<std::string>& arguments, Options* options, s
         options->modules.push_back(arguments[i]);
       }
     } else {
-      *error = "unknown option " + argument;
+      *error = "unknown option " + argument + "; see sorel --help";
       return false;
     }
   }

@@ -67,17 +67,22 @@ TEST(CommandLine, HelpAndVersion) {
   EXPECT_EQ(Sorel({"--version"}).output.find("sorel "), 0U);
 }
 TEST(CommandLine, WhatIsWrongIsOneLine) {
-  EXPECT_EQ(Sorel({"--nope"}).errors, "sorel: unknown option --nope\n");
+  EXPECT_EQ(Sorel({"--nope"}).errors, "sorel: unknown option --nope; see sorel --help\n");
   EXPECT_EQ(Sorel({"--nope"}).status, 2);
   EXPECT_EQ(Sorel({"--module"}).errors, "sorel: --module needs a file\n");
   EXPECT_EQ(Sorel({"--device", ""}).errors, "sorel: --device needs a folder\n");
-  EXPECT_EQ(Sorel({"a.js", "b.js"}).errors, "sorel: one script at a time: b.js\n");
+  EXPECT_EQ(Sorel({"a.js", "b.js"}).errors, "sorel: one script at a time, and no arguments for it: b.js\n");
 }
 TEST(CommandLine, AScriptThatIsMissingIsNamed) {
   const ProgramResult result = Sorel({"--module", TestModule("Probe"), "/nowhere/none.js"});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors, "sorel: /nowhere/none.js: No such file or directory\n");
   EXPECT_EQ(Sorel({"--module", TestModule("Probe"), "/tmp"}).errors, "sorel: /tmp: Is a directory\n");
+  // A program that zqsim starts on a device no longer stands where its caller does.
+  EXPECT_EQ(Sorel({"--module", TestModule("Probe"), "none.js"}, {.environment = {"ZQ_DEVICE=/d"}}).errors,
+            "sorel: none.js: No such file or directory (looked for in the device's folder)\n");
+  EXPECT_EQ(Sorel({"--module", TestModule("Probe"), "none.js"}).errors,
+            "sorel: none.js: No such file or directory\n");
 }
 TEST(CommandLine, StandardInputIsAScriptUnlessItIsATerminal) {
   SorelRun run;
