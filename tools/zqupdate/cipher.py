@@ -22,7 +22,6 @@ def encrypt(source, target, cipher_key):
 
 
 def decrypt(source, target, cipher_key):
-    good, why = _run("-d", source, target, cipher_key)
-    if not good:
+    if not _run("-d", source, target, cipher_key)[0]:
         # Bad padding, a length that is no whole number of blocks, and another key all end here.
-        raise ToolError(f"{source}: not encrypted with this key, or damaged ({why.splitlines()[-1] if why else '?'})")
+        raise ToolError(f"{source}: not encrypted with this key, or damaged")
