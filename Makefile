@@ -32,7 +32,7 @@ test: deps
 	@scripts/install-packages.sh $(ABI)
 	@scripts/test-preset.sh $(ABI)
 else
-test: lint test-release test-asan test-tsan test-clang  ## everything: lint, both compilers, all tests, sanitizers
+test: lint test-release test-asan test-tsan test-clang  ## everything: lint, both compilers, all tests, sanitizers (ABI=i386: the 32-bit word)
 	@scripts/run-ctest.sh build
 endif
 
@@ -71,5 +71,5 @@ packages: deps  ## make Debian packages (build-package/packages)
 format: deps  ## rewrite the sources in the house's format
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
-clean:
+clean:  ## remove what was built
 	rm -rf build build-asan build-tsan build-clang build-coverage build-fuzz build-package build-i386
