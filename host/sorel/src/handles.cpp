@@ -36,28 +36,73 @@ Word HandleTable::AddInstance(JSObjectRef object) {
   return known;
 }
 
-Word HandleTable::Add(JSObjectRef object, Kind kind) {
-  Word index = slots_.size();
+// Null when the table is full.
+HandleTable::Slot* HandleTable::NewSlot(Word* index) {
   if (!free_.empty()) {
-    index = free_.back();
+    *index = free_.back();
     free_.pop_back();
-  } else {
-    if (index > ObjectLayout::kMaxIndex) return 0;
-    slots_.emplace_back();
+    return &slots_[*index];
   }
-  Slot& slot = slots_[index];
-  slot.kind = kind;
+  *index = slots_.size();
+  return *index <= ObjectLayout::kMaxIndex ? &slots_.emplace_back() : nullptr;
+}
+
+void HandleTable::Attach(Slot& slot, Word index, JSObjectRef object) {
   slot.address = object;
   slot.weak = JSWeakCreate(group_, object);
   slot.order = nextOrder_++;
-  byObject_[object] = index;
+  unsorted_.push_back(index);
+}
+
+void HandleTable::MergeUnsorted() const {
+  for (const Word index : unsorted_) {
+    const Slot& slot = slots_[index];
+    if (slot.address != nullptr) byObject_[slot.address] = index;
+  }
+  unsorted_.clear();
+}
+
+Word HandleTable::Add(JSObjectRef object, Kind kind) {
+  Word index = 0;
+  Slot* const slot = NewSlot(&index);
+  if (slot == nullptr) return 0;
+  slot->kind = kind;
+  Attach(*slot, index, object);
   if (kind == Kind::kInstance) instances_.fetch_add(1, std::memory_order_relaxed);
-  return ObjectLayout::Make({slot.generation, index}, kObjectTag);
+  return ObjectLayout::Make({slot->generation, index}, kObjectTag);
+}
+
+void HandleTable::SetAside(size_t count, std::vector<Word>& handles) {
+  const std::lock_guard lock(mutex_);
+  for (; count > 0; --count) {
+    Word index = 0;
+    Slot* const slot = NewSlot(&index);
+    if (slot == nullptr) return;
+    slot->kind = Kind::kSetAside;
+    handles.push_back(ObjectLayout::Make({slot->generation, index}, kObjectTag));
+  }
+}
+
+void HandleTable::Assign(std::span<const MadeObject> made) {
+  const std::lock_guard lock(mutex_);
+  for (const auto& [handle, object] : made) {
+    Slot* const slot = Find(handle);
+    if (slot == nullptr || slot->kind != Kind::kSetAside) continue;
+    slot->kind = Kind::kPlain;
+    Attach(*slot, ObjectLayout::Parts(handle).index, object);
+  }
+}
+
+void HandleTable::GiveBack(Word handle) {
+  const std::lock_guard lock(mutex_);
+  Slot* const slot = Find(handle);
+  if (slot != nullptr && slot->kind == Kind::kSetAside) Free(*slot, ObjectLayout::Parts(handle).index);
 }
 
 // An address may belong to a new object while the entry of the one that lay there before is still in the
 // table.
 Word HandleTable::FindAlive(JSObjectRef object) const {
+  MergeUnsorted();
   const auto found = byObject_.find(object);
   if (found == byObject_.end()) return 0;
   const Slot& slot = slots_[found->second];
@@ -95,7 +140,7 @@ HandleTable::Self HandleTable::FindInstance(JSObjectRef object) const {
 bool HandleTable::SetPrivate(Word handle, void* pointer) {
   const std::lock_guard lock(mutex_);
   Slot* slot = Find(handle);
-  if (slot == nullptr || slot->kind == Kind::kPlain) return false;
+  if (slot == nullptr || (slot->kind != Kind::kInstance && slot->kind != Kind::kDead)) return false;
   slot->attachment.pointer.store(pointer);
   slot->attachment.set.store(true);
   return true;
@@ -141,6 +186,7 @@ std::vector<Finalization> HandleTable::Take(bool all) {
     slot.kind = Kind::kDead;
     Detach(slot, index);
   }
+  MergeUnsorted();
   std::sort(taken.begin(), taken.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
   std::vector<Finalization> due;
   due.reserve(taken.size());

@@ -6,6 +6,8 @@
 // finalizer ran.
 //
 //   free -> plain     -> free, when found collected
+//   free -> set aside -> plain, when a draft's object is made
+//                     -> free, when the draft is dropped
 //   free -> instance  -> dead, when found collected or the host ends -> free, by Release
 #ifndef SOREL_HANDLES_H
 #define SOREL_HANDLES_H
@@ -13,6 +15,7 @@
 #include <atomic>
 #include <deque>
 #include <mutex>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -25,6 +28,12 @@ namespace sorel {
 struct Attachment {
   std::atomic<bool> set{false};
   std::atomic<void*> pointer{nullptr};
+};
+
+// An object, and the handle that was set aside for it.
+struct MadeObject {
+  Word handle;
+  JSObjectRef object;
 };
 
 // A finalizer that is due.
@@ -50,6 +59,12 @@ class HandleTable {
   Word Of(JSObjectRef object);
   // As Of, for an object that a class constructor is about to make a module object. Engine lock.
   Word AddInstance(JSObjectRef object);
+  // Adds to `handles` as many as are wanted, or as are left, for objects that are not made yet.
+  void SetAside(size_t count, std::vector<Word>& handles);
+  // Gives handles that were set aside to objects that have none. Engine lock.
+  void Assign(std::span<const MadeObject> made);
+  // Of a handle that was set aside: it is out of date from now on.
+  void GiveBack(Word handle);
   // Null for a handle that is out of date. Engine lock.
   JSObjectRef Object(Word handle) const;
   // For the `this` of a call, which its caller keeps alive: no lock. The last answer to each thread is
@@ -72,7 +87,7 @@ class HandleTable {
   size_t Instances() const { return instances_.load(std::memory_order_relaxed); }
 
  private:
-  enum class Kind : uint8_t { kFree, kPlain, kInstance, kDead };
+  enum class Kind : uint8_t { kFree, kSetAside, kPlain, kInstance, kDead };
   struct Slot {
     Word generation = 1;
     Kind kind = Kind::kFree;
@@ -83,7 +98,10 @@ class HandleTable {
     Attachment attachment;
   };
 
+  Slot* NewSlot(Word* index);
+  void Attach(Slot& slot, Word index, JSObjectRef object);
   Word Add(JSObjectRef object, Kind kind);
+  void MergeUnsorted() const;
   Word FindAlive(JSObjectRef object) const;
   const Slot* Find(Word handle) const;
   Slot* Find(Word handle) { return const_cast<Slot*>(static_cast<const HandleTable*>(this)->Find(handle)); }
@@ -95,7 +113,10 @@ class HandleTable {
   mutable std::mutex mutex_;
   std::deque<Slot> slots_;  // addresses stay
   std::vector<Word> free_;
-  std::unordered_map<JSObjectRef, Word> byObject_;  // to the index
+  mutable std::unordered_map<JSObjectRef, Word> byObject_;  // to the index
+  // Indexes of entries on their way into byObject_, in the order of making: of a list's records hardly one is ever
+  // asked for.
+  mutable std::vector<Word> unsorted_;
   uint64_t nextOrder_ = 0;
   std::atomic<size_t> instances_{0};
 };

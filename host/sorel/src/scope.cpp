@@ -1,7 +1,7 @@
 #include "scope.h"
 
 #include <atomic>
-#include <cstring>
+#include <memory>
 
 namespace sorel {
 namespace {
@@ -36,7 +36,7 @@ constinit thread_local Serials t_serials;
 class LooseScopes {
  public:
   Scope& Get(JSContextRef context) {
-    if (younger_ == nullptr || younger_->count_ + younger_->texts_.size() >= kKept) {
+    if (younger_ == nullptr || younger_->count_ + younger_->texts_ >= kKept) {
       older_ = std::move(younger_);
       younger_ = std::make_unique<Scope>(context, HandleTable::Self{});
       t_innermost = nullptr;
@@ -73,12 +73,23 @@ Scope::Scope(JSContextRef context, HandleTable::Self self)
   t_innermost = this;
 }
 
+// Room for the entries of a call that has many, from one to the next. The script thread's.
+std::vector<Scope::Entry>& Scope::SpareEntries() {
+  static auto& spare = *new std::vector<Entry>;
+  return spare;
+}
+
 Scope::~Scope() {
   if (t_innermost == this) t_innermost = outer_;
-  for (size_t i = 0; i < count_; ++i) {
+  for (size_t i = 0; protected_ > 0 && i < count_; ++i) {
     const Entry& entry = *At(i);
-    if (entry.string != nullptr) JSStringRelease(entry.string);
-    if (entry.isProtected) JSValueUnprotect(context_, entry.value);
+    if (!entry.isProtected) continue;
+    JSValueUnprotect(context_, entry.value);
+    --protected_;
+  }
+  if (count_ > kInline && more_.capacity() <= kMostSpare && OnScriptThread()) {
+    more_.clear();
+    std::swap(more_, SpareEntries());
   }
 }
 
@@ -108,29 +119,46 @@ Word Scope::Add(const Entry& entry) {
   if (count_ < kInline) {
     first_[count_] = entry;
   } else {
+    if (count_ == kInline && OnScriptThread()) std::swap(more_, SpareEntries());
     more_.push_back(entry);
   }
   return ScopedLayout::Make({serial_, count_++}, kScopedTag);
 }
 
 Word Scope::AddRooted(JSValueRef value) {
-  return Add({value, nullptr, false});
+  return Add({value, nullptr, 0, false});
 }
 
 Word Scope::AddProtected(JSValueRef value) {
   JSValueProtect(context_, value);
-  return Add({value, nullptr, true});
+  ++protected_;
+  return Add({value, nullptr, 0, true});
 }
 
-Word Scope::AddString(JSStringRef adopted) {
-  return Add({nullptr, adopted, false});
+Word Scope::AddString(const char* bytes, uint32_t length) {
+  return Add({nullptr, arena_.Add(bytes, length), length, false});
 }
 
 const char* Scope::AddText(const char* bytes, size_t length) {
-  auto text = std::make_unique<char[]>(length + 1);
-  memcpy(text.get(), bytes, length);
-  text[length] = '\0';
-  return texts_.emplace_back(std::move(text)).get();
+  ++texts_;
+  return arena_.Add(bytes, length);
+}
+
+Drafts* Scope::DraftsOfCall() {
+  if (!OnScriptThread() || t_innermost == nullptr) return nullptr;
+  Drafts::Owner& drafts = t_innermost->drafts_;
+  if (drafts == nullptr) drafts = Drafts::Take();
+  return drafts.get();
+}
+
+void Scope::SettleDraft(Word handle) {
+  if (!OnScriptThread()) return;
+  for (Scope* scope = t_innermost; scope != nullptr; scope = scope->outer_) {
+    if (scope->drafts_ != nullptr && scope->drafts_->Has(handle)) {
+      scope->drafts_->Settle(scope->context_, *scope);
+      return;
+    }
+  }
 }
 
 void BeginRequestScope(JSContextRef context) {

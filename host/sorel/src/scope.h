@@ -7,21 +7,24 @@
 #define SOREL_SCOPE_H
 
 #include <array>
-#include <memory>
 #include <vector>
 
+#include "drafts.h"
 #include "handles.h"
 #include "jsc.h"
+#include "script_thread.h"
+#include "text_arena.h"
 #include "words.h"
 
 namespace sorel {
 
 class Scope {
  public:
-  // What a handle stands for; one of the two is set.
+  // What a handle stands for: the value, or the string of the text when there is none.
   struct Entry {
     JSValueRef value;
-    JSStringRef string;
+    const char* text;
+    uint32_t length;
     bool isProtected;
   };
 
@@ -37,15 +40,20 @@ class Scope {
   static Scope* Innermost();
   // The entry of a handle of this thread's scopes; null when its scope has ended.
   static const Entry* Find(Word handle);
+  // Should the handle be of a draft of a method that runs: makes all of that method's drafts objects.
+  static void SettleDraft(Word handle);
+  // The drafts of the call that the script thread is in; null elsewhere.
+  static Drafts* DraftsOfCall();
 
   // The caller keeps the value alive as long as the scope.
   Word AddRooted(JSValueRef value);
   // The scope keeps the value alive.
   Word AddProtected(JSValueRef value);
-  // Takes over the reference.
-  Word AddString(JSStringRef adopted);
+  // The string of the bytes, none of which is a NUL. They are copied.
+  Word AddString(const char* bytes, uint32_t length);
   // Keeps an object alive that has a handle of its own.
   void Protect(JSValueRef value) { AddProtected(value); }
+  // A copy with a NUL behind it, good as long as the scope.
   const char* AddText(const char* bytes, size_t length);
 
   const HandleTable::Self& GetSelf() const { return self_; }
@@ -53,7 +61,9 @@ class Scope {
  private:
   friend class LooseScopes;
   static constexpr size_t kInline = 8;
+  static constexpr size_t kMostSpare = 8192;
 
+  static std::vector<Entry>& SpareEntries();
   Word Add(const Entry& entry);
   const Entry* At(Word index) const;
 
@@ -62,13 +72,16 @@ class Scope {
   Scope* const outer_;
   const Word serial_;
   size_t count_ = 0;
+  size_t protected_ = 0;  // of the entries
+  size_t texts_ = 0;      // that are no entry's
   // On the stack, where the collector sees what the entries name. Only the first count_ are initialised: a
   // call without arguments pays for none.
   union {
     std::array<Entry, kInline> first_;
   };
   std::vector<Entry> more_;
-  std::vector<std::unique_ptr<char[]>> texts_;
+  TextArena arena_;
+  Drafts::Owner drafts_;
 };
 
 // A thread that is not the script's enters and leaves; nested pairs count as one.

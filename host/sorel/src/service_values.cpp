@@ -72,15 +72,17 @@ const char* ServiceValueToString(zq_Value value, uint32_t*) {
 int32_t ServiceNewString(const char* bytes, uint32_t length, zq_Value* value) {
   Runtime& runtime = Runtime::Get();
   if (bytes == nullptr || value == nullptr || !runtime.Serves()) return 0;
-  // The byte after the text is the NUL that `length` counts; a length of 0 has none.
-  JSStringRef string = length == 0 ? MakeJsString("", 0) : MakeJsString(bytes, length - 1);
-  *value = Scope::Current(runtime.Context()).AddString(string);
+  // `length` counts the NUL behind the text; a length of 0 has none.
+  const size_t before = length == 0 ? 0 : strnlen(bytes, length - 1);
+  *value = Scope::Current(runtime.Context()).AddString(bytes, static_cast<uint32_t>(before));
   return 1;
 }
 
 void* ServiceNewArray(uint32_t length, zq_Value* elements) {
   Runtime& runtime = Runtime::Get();
   if (!runtime.Serves()) return nullptr;
+  Drafts* const drafts = elements == nullptr ? Scope::DraftsOfCall() : nullptr;
+  if (drafts != nullptr) return PointerOf(drafts->Add(true));
   JSContextRef context = runtime.Context();
   const EngineLock lock;
   JSObjectRef array = JSObjectMakeArray(context, 0, nullptr, nullptr);
@@ -96,6 +98,7 @@ void* ServiceNewArray(uint32_t length, zq_Value* elements) {
 void* ServiceNewObject() {
   Runtime& runtime = Runtime::Get();
   if (!runtime.Serves()) return nullptr;
+  if (Drafts* const drafts = Scope::DraftsOfCall()) return PointerOf(drafts->Add(false));
   const EngineLock lock;
   return HandleOfNew(runtime.Context(), JSObjectMake(runtime.Context(), nullptr, nullptr));
 }

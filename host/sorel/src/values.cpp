@@ -1,6 +1,7 @@
 #include "values.h"
 
 #include "runtime.h"
+#include "text_values.h"
 
 namespace sorel {
 namespace {
@@ -41,7 +42,7 @@ bool ValueOf(JSContextRef context, Word word, JSValueRef* value) {
   if (IsScopedHandle(word)) {
     const Scope::Entry* entry = Scope::Find(word);
     if (entry == nullptr) return false;
-    *value = entry->string != nullptr ? JSValueMakeString(context, entry->string) : entry->value;
+    *value = entry->value != nullptr ? entry->value : ValueOfText(context, entry->text, entry->length);
     return true;
   }
   if (word == ZQ_VALUE_VOID) {
@@ -51,7 +52,7 @@ bool ValueOf(JSContextRef context, Word word, JSValueRef* value) {
   } else if (IsInt(word)) {
     *value = JSValueMakeNumber(context, ToInt(word));
   } else if (IsObjectHandle(word)) {
-    *value = Runtime::Get().Handles().Object(word);
+    *value = ObjectOf(context, word);
   } else {
     return false;
   }
@@ -59,7 +60,10 @@ bool ValueOf(JSContextRef context, Word word, JSValueRef* value) {
 }
 
 JSObjectRef ObjectOf(JSContextRef context, Word word) {
-  if (IsObjectHandle(word)) return Runtime::Get().Handles().Object(word);
+  if (IsObjectHandle(word)) {
+    Scope::SettleDraft(word);
+    return Runtime::Get().Handles().Object(word);
+  }
   if (!IsScopedHandle(word)) return nullptr;
   const Scope::Entry* entry = Scope::Find(word);
   if (entry == nullptr || entry->value == nullptr || !JSValueIsObject(context, entry->value)) return nullptr;

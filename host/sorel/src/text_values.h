@@ -1,0 +1,17 @@
+// The engine's values for texts.
+#ifndef SOREL_TEXT_VALUES_H
+#define SOREL_TEXT_VALUES_H
+
+#include <cstddef>
+
+#include "jsc.h"
+
+namespace sorel {
+
+// The string made of the `length` bytes, which a NUL follows and none is among. Of a short text that the script thread
+// asks for again and again it is the same one each time. The caller keeps it alive.
+JSValueRef ValueOfText(JSContextRef context, const char* text, size_t length);
+
+}  // namespace sorel
+
+#endif
