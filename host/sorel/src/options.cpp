@@ -7,14 +7,37 @@ namespace sorel {
 const char kUsage[] =
     "usage: sorel [--device DIR] [--trace] [--module FILE]... [SCRIPT]\n"
     "Runs a script with class modules; without a script, a prompt.\n"
-    "  --device DIR   run on the simulated device whose root is DIR; made when missing\n"
+    "  --device DIR   run on the simulated device whose root is DIR; made when missing.\n"
+    "                 Without it this machine is the device, with its network, clock and /tmp\n"
     "  --trace        show the trace on standard error\n"
     "  --module FILE  load this class module, in place of ZQUtil.so; may be repeated\n"
     "  --help         show this\n"
     "  --version      show the version\n"
     "SCRIPT \"-\" is standard input.\n";
 
-bool ParseOptions(const std::vector<std::string>& arguments, Options* options, std::string* error) {
+namespace {
+
+// "--device=DIR" as the two words that it stands for.
+std::vector<std::string> WithoutEqualsSigns(const std::vector<std::string>& words) {
+  std::vector<std::string> apart;
+  for (auto word = words.begin(); word != words.end(); ++word) {
+    if (*word == "--") {
+      apart.insert(apart.end(), word, words.end());
+      break;
+    }
+    const size_t end = word->find('=');
+    const std::string option = word->substr(0, end);
+    const bool joined = end != std::string::npos && (option == "--device" || option == "--module");
+    apart.push_back(joined ? option : *word);
+    if (joined) apart.push_back(word->substr(end + 1));
+  }
+  return apart;
+}
+
+}  // namespace
+
+bool ParseOptions(const std::vector<std::string>& words, Options* options, std::string* error) {
+  const std::vector<std::string> arguments = WithoutEqualsSigns(words);
   bool onlyScript = false;
   for (size_t i = 0; i < arguments.size(); ++i) {
     const std::string& argument = arguments[i];

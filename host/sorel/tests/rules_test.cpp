@@ -124,6 +124,19 @@ TEST(Options, PathsMeanTheSameFromAnotherFolder) {
   ASSERT_TRUE(ParseOptions({"-"}, &dash, &error));
   EXPECT_EQ(ArgumentsFor(dash, "/home/u"), std::vector<std::string>{"-"});
 }
+TEST(Options, AnEqualsSignIsAsGoodAsABlank) {
+  Options options;
+  std::string error;
+  ASSERT_TRUE(ParseOptions({"--device=a=b", "--module=M.so", "x=y.js"}, &options, &error)) << error;
+  EXPECT_EQ(options.device, "a=b");
+  EXPECT_EQ(options.modules, std::vector<std::string>{"M.so"});
+  EXPECT_EQ(options.script, "x=y.js");
+  EXPECT_FALSE(ParseOptions({"--device="}, &options, &error));
+  EXPECT_FALSE(ParseOptions({"--trace=on"}, &options, &error));
+  Options script;
+  ASSERT_TRUE(ParseOptions({"--", "--device=a"}, &script, &error));
+  EXPECT_EQ(script.script, "--device=a");
+}
 TEST(Options, WhatFollowsTwoDashesIsTheScript) {
   Options options;
   std::string error;
