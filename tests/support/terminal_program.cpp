@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <pty.h>
 #include <signal.h>
+#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 #include <utmp.h>
@@ -89,6 +90,21 @@ int TerminalProgram::AwaitEnd() {
 bool TerminalProgram::IsRaw() const {
   termios settings{};
   return tcgetattr(held_, &settings) == 0 && (settings.c_lflag & ICANON) == 0;
+}
+
+void TerminalProgram::Stop() const {
+  int status = 0;
+  if (kill(child_, SIGSTOP) != 0 || waitpid(child_, &status, WUNTRACED) != child_ || !WIFSTOPPED(status)) {
+    throw std::runtime_error("it does not stop");
+  }
+}
+
+void TerminalProgram::MakeCooked() const {
+  termios settings{};
+  if (tcgetattr(held_, &settings) != 0) throw std::runtime_error("no terminal");
+  settings.c_lflag |= ICANON | ECHO;
+  settings.c_iflag |= ICRNL;
+  if (tcsetattr(held_, TCSANOW, &settings) != 0) throw std::runtime_error("no terminal");
 }
 
 // As this side of the terminal is held open, its end is not seen: the child's is asked for besides.

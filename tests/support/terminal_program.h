@@ -30,6 +30,10 @@ class TerminalProgram {
   const std::string& Screen() const { return screen_; }
   // True while typed characters are neither echoed nor gathered to lines by the terminal.
   bool IsRaw() const;
+  // Stops the program, as Ctrl-Z would; SIGCONT lets it go on.
+  void Stop() const;
+  // Makes the terminal echo and gather lines, as a shell would that takes it over.
+  void MakeCooked() const;
 
  private:
   bool ReadMore();

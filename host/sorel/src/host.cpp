@@ -56,7 +56,7 @@ bool Host::Start(const Options& options, std::string* error) {
   BecomeScriptThread();
   Runtime::Create();
   Runtime& runtime = Runtime::Get();
-  CatchSignals(RestoreTerminal, DropTypedLine);
+  CatchSignals({RestoreTerminal, DropTypedLine, RetakeTerminal});
   JSContextRef context = runtime.Context();
   AddGlobals(context, runtime.Global());
   const auto onRejection = interactive_ ? ReportRejection : FailOnRejection;

@@ -56,6 +56,7 @@ std::string g_begun;                // lines of a piece of script that is not fi
 std::set<std::string> g_declared;   // by const, let and class, in what was typed
 std::atomic<bool> g_typing{false};  // something is typed that a key may drop
 std::atomic<bool> g_drop{false};    // it shall be dropped
+std::atomic<bool> g_retake{false};  // another process may have changed the terminal
 std::atomic<bool> g_taken{false};   // the terminal is readline's, to be given back as g_terminal says
 
 // Where lines are remembered; "" for nowhere.
@@ -226,6 +227,12 @@ void ReadKey() {
 
 void BeforeWaiting() {
   if (g_drop.exchange(false)) DropTyped();
+  if (g_retake.exchange(false)) {
+    // Whatever the terminal is now, it is taken as at the start.
+    rl_deprep_terminal();
+    rl_prep_terminal(1);
+    rl_forced_update_display();
+  }
   if (!TakeDisturbed()) return;
   rl_on_new_line();
   rl_redisplay();
@@ -263,6 +270,12 @@ bool DropTypedLine() {
   if (!g_typing.load() || g_drop.exchange(true)) return false;
   Runtime::Get().Wake();
   return true;
+}
+
+void RetakeTerminal() {
+  if (!g_taken.load()) return;
+  g_retake.store(true);
+  Runtime::Get().Wake();
 }
 
 void RestoreTerminal() {

@@ -14,6 +14,8 @@ void RunPrompt(JSContextRef context, Loop& loop);
 // Any thread: has the line that is being typed dropped. False when there is none, or the last one to be dropped still
 // stands: then the caller's signal ends the host.
 bool DropTypedLine();
+// Any thread: the process was stopped, and another one had the terminal.
+void RetakeTerminal();
 // Gives the terminal back at once; for the ways out that pass by RunPrompt. Safe in a signal handler.
 void RestoreTerminal();
 

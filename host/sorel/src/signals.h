@@ -8,9 +8,15 @@ namespace sorel {
 // First of all, before there are other threads: from here on the signals wait for their one thread and interrupt no
 // other, not the engine's either.
 void HoldSignals();
-// Once, when the runtime exists: starts that thread. `restore` is called before the process ends on the spot;
-// `interrupt` for a SIGINT, and when it gives true, that was all.
-void CatchSignals(void (*restore)(), bool (*interrupt)());
+// Called on the thread that waits for the signals.
+struct SignalActions {
+  void (*restore)();    // before the process ends on the spot
+  bool (*interrupt)();  // for a SIGINT; when it gives true, that was all
+  void (*resumed)();    // after the process was stopped
+};
+
+// Once, when the runtime exists: starts that thread.
+void CatchSignals(const SignalActions& actions);
 
 }  // namespace sorel
 

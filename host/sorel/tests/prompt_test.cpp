@@ -102,6 +102,16 @@ TEST_F(Prompt, AnInterruptDropsWhatIsTypedAndEndsTheHostWhenNothingIs) {
   EXPECT_EQ(program_->AwaitEnd(), 128 + SIGINT);
   EXPECT_FALSE(program_->IsRaw());
 }
+TEST_F(Prompt, TakesTheTerminalAgainAfterAStop) {
+  TerminalProgram& program = Start();
+  program.Stop();
+  program.MakeCooked();
+  program.Signal(SIGCONT);
+  EXPECT_TRUE(program.Await("> ")) << program.Screen();
+  EXPECT_TRUE(program.IsRaw());
+  program.Type("6 * 7\r");
+  EXPECT_TRUE(program.Await("42\r\n")) << program.Screen();
+}
 TEST_F(Prompt, ATerminationEndsTheHostWhateverIsTyped) {
   Start().Type("[1, 2");
   EXPECT_TRUE(program_->Await("[1, 2"));
