@@ -61,7 +61,7 @@ class KilledUpdateTest(end_to_end.EndToEndTest):
         self.server.fault("acknowledge", "none")
         self.nvram("set", "sys.reboot", "no")
         self.offer("")
-        self.assertEqual(self.script(end_to_end.TAKE_UPDATE), ["offered 7 Hello", "downloading 100", "installing"])
+        self.assertEqual(self.script(end_to_end.TAKE_UPDATE), [end_to_end.OFFERED, "downloading 100", "installing"])
         self.assertTrue(os.path.exists(os.path.join(self.device, "updates", "hello.txt")))
         self.assertEqual(self.acknowledged()[-1:], ["device=1 update=7"])
 
