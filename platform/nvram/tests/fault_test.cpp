@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <string>
 
 #include "nvram_fixture.h"
 #include "trace_capture.h"
@@ -16,7 +18,9 @@ constexpr const char* kCalls[] = {"open",   "read",   "write", "fsync", "close",
 constexpr const char* kErrors[] = {"EIO", "ENOSPC", "short"};
 class NvramFaultTest : public NvramTest {
  protected:
-  std::string Folder() const { return folder_.Path().string(); }
+  // Where the device's folder is on the machine.
+  static std::string Place(const std::string& folder) { return std::getenv("ZQ_DEVICE") + folder; }
+  std::string Folder() const { return Place(folder_.Path().string()); }
   // Runs the act with one call failing once, then the check, for each call that the act makes.
   template <typename Act, typename Check>
   void FailEachCall(Act act, Check check) {
@@ -173,7 +177,7 @@ TEST_F(NvramFaultTest, AProcessKilledAtAnyCallLeavesTheOldValueOrTheNew) {
 
 TEST_F(NvramFaultTest, WithoutTheToolsLockItWorksAndSaysSoOnce) {
   const TraceCapture trace;
-  const Fault fault("/var/lock", "open:all:EACCES");
+  const Fault fault(Place("/var/lock"), "open:all:EACCES");
   EXPECT_EQ(Put("key", "value"), 0);
   EXPECT_EQ(Value("key"), "value");
   EXPECT_EQ(std::ranges::count(trace.Texts(),
