@@ -42,7 +42,7 @@ understood() {
   : > "$folder/said"
   wpa_supplicant -dd -K -D none -i lo -c "$folder/conf" -f "$folder/said" > "$folder/errors" 2>&1 &
   program=$!
-  await 20 over
+  await 60 over
   kill -9 "$program" 2>/dev/null
   wait "$program" 2>/dev/null
   grep -q ' Added interface ' "$folder/said" || cat "$folder/said"
