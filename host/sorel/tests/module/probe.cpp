@@ -318,6 +318,7 @@ int32_t Counts(void*, uint32_t, zq_Value*, zq_Value* rval) {
 int32_t Sleep(void*, uint32_t, zq_Value* argv, zq_Value*) {
   int32_t milliseconds = 0;
   g_services.Get<zq_ValueToInt>(ZQ_SLOT_VALUE_TO_INT)(argv[0], &milliseconds);
+  if (getenv("PROBE_SAY") != nullptr) Say("sleeps");
   std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
   return 1;
 }
