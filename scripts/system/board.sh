@@ -5,6 +5,9 @@
 # Seconds that joining a network, and an answer of a DHCP server, may take.
 JOIN_SECONDS=20
 DHCP_SECONDS=30
+# Whether clients go on trying after that, for a network that comes later, and seconds from one try to the next.
+COMES_LATER=yes
+DHCP_PAUSE_SECONDS=20
 # Seconds from an address by DHCP to the end of a network restart. The screens look once a second while the restart goes
 # on, and takes three looks from the network to its address: one that came with the end would not be told of.
 SETTLE_SECONDS=3
@@ -43,11 +46,11 @@ route_default() {
   ip route add default via "$2" dev "$1"
 }
 
-# True while a cable is plugged in, or a network joined.
-has_carrier() {
-  carrier=0
-  { read -r carrier < "/sys/class/net/$1/carrier"; } 2>/dev/null || :
-  [ "$carrier" = 1 ]
+# True once the interface is in its network: the radio's carrier is there before the password has been found right.
+has_joined() {
+  state=
+  { read -r state < "/sys/class/net/$1/operstate"; } 2>/dev/null || :
+  [ "$state" = up ]
 }
 
 # stop_client NAME: the client whose process id is in RUN_DIR/NAME.pid.
@@ -99,7 +102,8 @@ wpa_network() {
   printf 'network={\n  ssid=%s\n  scan_ssid=1\n%s\n}\n' "$(hex "$WIFI_SSID")" "$keys"
 }
 
-# wifi_join INTERFACE: joins the network in WIFI_SSID and its kin; done when it is joined.
+# wifi_join INTERFACE: joins the network in WIFI_SSID and its kin; done when it is joined. When it fails, the
+# program goes on trying.
 wifi_join() {
   mkdir -p "$RUN_DIR" || return 1
   (umask 077 && wpa_network > "$RUN_DIR/wpa.conf") || {
@@ -108,7 +112,7 @@ wifi_join() {
   }
   wpa_supplicant -B -i "$1" -c "$RUN_DIR/wpa.conf" -P "$RUN_DIR/wpa.pid" || return 1
   seconds=0
-  until has_carrier "$1"; do
+  until has_joined "$1"; do
     [ "$seconds" -lt "$JOIN_SECONDS" ] || return 1
     sleep 1
     seconds=$((seconds + 1))
@@ -128,6 +132,15 @@ dhcp_start() {
     udhcpc -i "$1" -n -t "$((DHCP_SECONDS / 3))" -T 3 -A 1 -p "$RUN_DIR/dhcp-$1.pid" -s "$here/udhcpc-event" >/dev/null
   else
     timeout "$DHCP_SECONDS" dhclient -1 -q -pf "$RUN_DIR/dhcp-$1.pid" -lf "$RUN_DIR/dhcp-$1.leases" "$1"
+  fi
+}
+# dhcp_later INTERFACE: leaves a client that goes on asking, for a network that comes later.
+dhcp_later() {
+  mkdir -p "$RUN_DIR" || return 1
+  if command -v udhcpc >/dev/null; then
+    udhcpc -f -i "$1" -t 3 -T 3 -A "$DHCP_PAUSE_SECONDS" -p "$RUN_DIR/dhcp-$1.pid" -s "$here/udhcpc-event" < /dev/null >/dev/null 2>&1 &
+  else
+    dhclient -nw -q -pf "$RUN_DIR/dhcp-$1.pid" -lf "$RUN_DIR/dhcp-$1.leases" "$1"
   fi
 }
 # dhcp_stop INTERFACE

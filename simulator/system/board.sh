@@ -5,6 +5,8 @@
 hw=$ZQ_DEVICE/hw
 RUN_DIR=/tmp
 SETTINGS_DIR=$ZQ_DEVICE
+# What comes into the air later is met by the next restart: no program runs on.
+COMES_LATER=no
 
 state_file() {
   if [ "$1" = ra0 ]; then echo "$hw/ra0/link.ini"; else echo "$hw/$1.ini"; fi

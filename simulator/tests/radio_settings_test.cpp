@@ -46,6 +46,14 @@ TEST(RadioSettings, KeepTheDefaultForWhatMeansNothing) {
             kDefaults);
 }
 
+TEST(RadioSettings, LetNobodyScanWhileItIsSwitchedOff) {
+  const RadioSettings settings = ParseRadioSettings("[link]\nup = no\n[driver]\nresults = EIO\n");
+  EXPECT_EQ(settings.Error(RadioRequest::kScan), ENETDOWN);
+  EXPECT_EQ(settings.Error(RadioRequest::kResults), EIO);
+  EXPECT_EQ(settings.Error(RadioRequest::kRange), 0);
+  EXPECT_EQ(ParseRadioSettings("[link]\nup = yes\n").Error(RadioRequest::kScan), 0);
+}
+
 TEST(RadioSettings, LimitLargeNumbers) {
   EXPECT_EQ(Show("[link]\nlevel = 999\nquality = 101\n[driver]\nresults_ms = 99999999999\nversion = 300\n"
                  "wants_bytes = 99999999999"),

@@ -1,5 +1,7 @@
 #include "radio_settings.h"
 
+#include <cerrno>
+
 #include "error_name.h"
 
 namespace {
@@ -16,6 +18,7 @@ void SetByte(std::string_view value, uint32_t limit, std::optional<uint8_t>* byt
 }
 
 void SetLink(std::string_view key, std::string_view value, RadioSettings* settings) {
+  if (key == "up") SetFlag(value, &settings->up);
   if (key == "associated") SetFlag(value, &settings->associated);
   if (key == "essid") settings->essid.Set(value);
   if (key == "essid_hex") settings->essid.SetHex(value);
@@ -48,6 +51,12 @@ void SetDriver(std::string_view key, std::string_view value, RadioSettings* sett
 }
 
 }  // namespace
+
+int RadioSettings::Error(RadioRequest request) const {
+  const int wanted = errors[static_cast<size_t>(request)];
+  const bool scans = request == RadioRequest::kScan || request == RadioRequest::kResults;
+  return wanted == 0 && scans && !up ? ENETDOWN : wanted;
+}
 
 RadioSettings ParseRadioSettings(std::string_view text) {
   RadioSettings settings;

@@ -16,6 +16,7 @@ constexpr size_t kRadioRequests = 7;
 
 struct RadioSettings {
   // [link]
+  bool up = true;
   bool associated = false;
   CellName essid;
   // Nothing: the cell's.
@@ -30,7 +31,8 @@ struct RadioSettings {
   bool tellsLength = true;
   ElementsForm elements = ElementsForm::kEvents;
 
-  int Error(RadioRequest request) const { return errors[static_cast<size_t>(request)]; }
+  // Of a radio that is switched off nobody gets a scan.
+  int Error(RadioRequest request) const;
 };
 
 // A key that is missing, or a value that means nothing, leaves the default.

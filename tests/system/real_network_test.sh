@@ -56,6 +56,7 @@ RUN_DIR=$folder/run
 SETTLE_SECONDS=0
 # As long as it takes on a slow machine; shorter where nobody answers.
 DHCP_SECONDS=60
+DHCP_PAUSE_SECONDS=1
 JOIN_SECONDS=60
 EOF
 # In place of the radio's: notes what it is to join.
@@ -110,7 +111,7 @@ set_keys() {
 set_keys net.wifi NO net.dhcp NO net.ipaddr 192.0.2.57 net.netmask 255.255.255.0 net.gateway 192.0.2.1 net.ns 192.0.2.1,192.0.2.2
 restart
 same "a static address" "eth0 up 192.0.2.57/24
-ra0 down
+ra0 up
 default via 192.0.2.1 dev eth0
 nameserver 192.0.2.1
 nameserver 192.0.2.2" "$(state)"
@@ -120,7 +121,7 @@ same "the other end answers" yes "$(ping -c 1 -W 20 192.0.2.1 > /dev/null 2>&1 &
 set_keys net.ipaddr 192.0.2.58 net.gateway 192.0.2.2
 restart
 same "another address in its place" "eth0 up 192.0.2.58/24
-ra0 down
+ra0 up
 default via 192.0.2.2 dev eth0
 nameserver 192.0.2.1
 nameserver 192.0.2.2" "$(state)"
@@ -157,7 +158,7 @@ server=$!
 set_keys net.wifi NO net.dhcp YES
 restart
 same "an address by DHCP" "eth0 up 192.0.2.100/24
-ra0 down
+ra0 up
 default via 192.0.2.1 dev eth0
 nameserver 192.0.2.1
 nameserver 192.0.2.3" "$(state)"
@@ -168,11 +169,28 @@ kill "$server"
 wait "$server" 2>/dev/null
 echo DHCP_SECONDS=3 >> "$ZQ_BOARD"
 restart
-same "without an answer nothing of before is left" "eth0 up${newline}ra0 down" "$(state)"
+same "without an answer nothing of before is left" "eth0 up${newline}ra0 up" "$(state)"
 same "and it says so" 'S12network: eth0: not connected' "$(grep S12network "$folder/errors")"
 # shellcheck disable=SC2317
 gone() { ! kill -0 "$client" 2>/dev/null; }
 await 60 gone || same "the client of before is gone" gone there
+ip netns exec there udhcpd -f "$folder/udhcpd.conf" > "$folder/udhcpd.log" 2>&1 &
+# shellcheck disable=SC2317
+has_address() { state | grep -q 'eth0 up 192\.0\.2\.100/24'; }
+await 60 has_address || same "an address that comes later" there none
+kill "$(cat "$folder/udhcpd.pid")"
+
+set_keys net.wifi YES net.dhcp NO
+ip -n there link set radio down
+echo JOIN_SECONDS=1 >> "$ZQ_BOARD"
+restart
+echo JOIN_SECONDS=60 >> "$ZQ_BOARD"
+# What the kernel calls a link whose other end is off depends on what it was before.
+same "a radio that cannot join has its address for later" "eth0 down
+ra0 down 192.0.2.58/24" "$(state | sed -n '1,2s/lowerlayerdown/down/; 1,2p')"
+same "and it says so" 'S12network: ra0: cannot join Cafe "Anna"' "$(grep 'cannot join' "$folder/errors")"
+ip -n there link set radio up
+set_keys net.dhcp YES
 echo DHCP_SECONDS=60 >> "$ZQ_BOARD"
 
 # The radio, in a network of its own. What it joins with notes the address that it had when the client asked.
@@ -208,7 +226,7 @@ ip netns exec there udhcpd -f "$folder/udhcpd.conf" > "$folder/udhcpd.log" 2>&1 
 server=$!
 restart
 same "an address by dhclient" "eth0 up 192.0.2.100/24
-ra0 down
+ra0 up
 default via 192.0.2.1 dev eth0
 nameserver 192.0.2.1
 nameserver 192.0.2.3" "$(state)"
@@ -218,7 +236,7 @@ kill "$server"
 wait "$server" 2>/dev/null
 echo DHCP_SECONDS=3 >> "$ZQ_BOARD"
 restart
-same "without an answer nothing of dhclient's is left" "eth0 up${newline}ra0 down" "$(state)"
+same "without an answer nothing of dhclient's is left" "eth0 up${newline}ra0 up" "$(state)"
 await 60 gone || same "dhclient of before is gone" gone there
 
 # What still runs, and the networks, go with this shell, the first process of their namespace.
