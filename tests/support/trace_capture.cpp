@@ -20,7 +20,9 @@ std::string TraceCapture::Raw() const {
 }
 
 std::vector<TraceLine> TraceCapture::Lines() const {
-  return ParseTrace(Raw());
+  // Of a line that another thread is writing at this moment, half may be there.
+  const std::string raw = Raw();
+  return ParseTrace(raw.substr(0, raw.rfind('\n') + 1));
 }
 
 std::vector<std::string> TraceCapture::Texts() const {

@@ -25,7 +25,7 @@ class TraceCapture {
   TraceCapture& operator=(const TraceCapture&) = delete;
   ~TraceCapture();
 
-  // All lines until now, in their order.
+  // All whole lines until now, in their order.
   std::vector<TraceLine> Lines() const;
   // Their texts.
   std::vector<std::string> Texts() const;
