@@ -5,6 +5,7 @@
 #include <sys/inotify.h>
 
 #include <cerrno>
+#include <thread>
 
 #include "ZQFileMonitor.h"
 #include "heard_calls.h"
@@ -88,7 +89,12 @@ TEST(FileMonitorStart, StartsWithTheFirstFileThatIsThere) {
   EXPECT_FALSE(zq_ThreadAwaitEnd(threadFileMonitor, 0));
 
   // An empty registry ends neither.
-  deregisterFileMonitor(path.c_str(), Hear);
+  {
+    const TraceCapture trace;
+    deregisterFileMonitor(path.c_str(), Hear);
+    // The thread hears of the watch's end some time later.
+    while (!trace.Has("FileMonitor: ++ watch id not found in map ++")) std::this_thread::yield();
+  }
   EXPECT_EQ(traced(registration), "FileMonitor: monitoring started for '" + path + "'\n");
   EXPECT_EQ(g_inotifies, 2) << "one of them had no thread";
   Modify(path);
