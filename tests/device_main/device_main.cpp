@@ -19,6 +19,11 @@ std::filesystem::path DeviceParent() {
   return access(memory, W_OK) == 0 ? memory : std::filesystem::temp_directory_path();
 }
 
+// What a person's shell may say to the module and to the libraries below it: a test says it itself.
+constexpr const char* kShellsWords[] = {
+    "ZQ_CONFIG_DIR", "ZQ_CA_FILE", "ZQ_TRACE_LEVEL", "ZQ_NVRAM_CONFIG",  "http_proxy",
+    "no_proxy",      "DISPLAY",    "OPENSSL_CONF",   "ALSA_CONFIG_PATH", "OPENSSL_MODULES"};
+
 int RunOnDevice(char** argv) {
   const TempDir folder(DeviceParent());
   std::string device = folder / "device";
@@ -32,6 +37,7 @@ int RunOnDevice(char** argv) {
   const int status = AwaitChild(InChild([&] {
     // GoogleTest's other way to start a process for a death test gives it two pages of stack.
     setenv("GTEST_DEATH_TEST_USE_FORK", "1", 1);
+    for (const char* const word : kShellsWords) unsetenv(word);
     execv(words[0], words.data());
     std::perror(words[0]);
     return 127;

@@ -101,7 +101,8 @@ TEST_F(LogSocketTest, WithoutMemoryForTheProxysHostThereIsNoSocket) {
 }
 
 TEST_F(LogSocketTest, WhatCannotBeReachedIsZero) {
-  EXPECT_EQ(Open("no-such-host.invalid", 80), 0U);
+  // Longer than a part of a name may be: no name server is asked, which could give any answer.
+  EXPECT_EQ(Open((std::string(64, 'x') + ".invalid").c_str(), 80), 0U);
   EXPECT_EQ(Open(nullptr, 80), 0U);
   EXPECT_EQ(Open("", 80), 0U);
   for (const int32_t port : {0, -1, 65536, 70000}) EXPECT_EQ(Open("127.0.0.1", port), 0U) << port;

@@ -1,13 +1,12 @@
 // The queue thread's side: each message, each timer, and the rule that ends the process when the clock
 // drifts.
-#include <netinet/in.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <thread>
 
 #include "TimeDrift.h"
 #include "ZQNetwork.h"
+#include "loopback_listener.h"
 #include "module_fixture.h"
 #include "zq_memory.h"
 #include "zq_socket.h"
@@ -153,40 +152,22 @@ TEST_F(MessageLoopTest, WithoutAListenerNothingIsCalledAndTheFlagStays) {
 
 TEST_F(MessageLoopTest, AConnectedSocketIsClosedThoughNobodyListens) {
   Start();
-  const int server = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address = {};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof address;
-  ASSERT_EQ(bind(server, reinterpret_cast<sockaddr*>(&address), length), 0);
-  ASSERT_EQ(listen(server, 1), 0);
-  ASSERT_EQ(getsockname(server, reinterpret_cast<sockaddr*>(&address), &length), 0);
-
+  LoopbackListener server;
   const uint32_t client =
-      zq_SocketOpenTcpClient(Singleton().Handle(), "127.0.0.1", ntohs(address.sin_port), "test", __LINE__);
+      zq_SocketOpenTcpClient(Singleton().Handle(), "127.0.0.1", server.Port(), "test", __LINE__);
   ASSERT_NE(client, 0U);
-  const int peer = accept4(server, nullptr, nullptr, SOCK_CLOEXEC);
-  ASSERT_GE(peer, 0);
+  const int peer = server.Accept();
   char byte = 0;
   EXPECT_EQ(read(peer, &byte, 1), 0) << "closed by the handler";
   EXPECT_EQ(zq_SocketDescriptor(client), -1);
   close(peer);
-  close(server);
 }
 
 TEST_F(MessageLoopTest, AFailedSocketIsClosed) {
   Start();
-  // A port that was just given back: nobody listens there.
-  const int server = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address = {};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof address;
-  ASSERT_EQ(bind(server, reinterpret_cast<sockaddr*>(&address), length), 0);
-  ASSERT_EQ(getsockname(server, reinterpret_cast<sockaddr*>(&address), &length), 0);
-  close(server);
+  const LoopbackListener nobody("127.0.0.1", LoopbackListener::Mode::kRefusing);
   const uint32_t client =
-      zq_SocketOpenTcpClient(Singleton().Handle(), "127.0.0.1", ntohs(address.sin_port), "test", __LINE__);
+      zq_SocketOpenTcpClient(Singleton().Handle(), "127.0.0.1", nobody.Port(), "test", __LINE__);
   ASSERT_NE(client, 0U);
   for (int i = 0; i < 10000 && zq_SocketDescriptor(client) != -1; ++i) usleep(1000);
   EXPECT_EQ(zq_SocketDescriptor(client), -1);
@@ -328,7 +309,7 @@ class TimeDriftDeathTest : public MessageLoopTest {
     ZQUtil::my_WriteINIFileString("config", "note", "stored just before", "zqutil.ini");
     SetSeconds(second - 5);
     clock.Advance(seconds(5));
-    sleep(30);  // the queue thread ends the process
+    sleep(100);  // the queue thread ends the process
     _exit(99);
   }
 };

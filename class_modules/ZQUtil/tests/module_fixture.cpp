@@ -1,14 +1,18 @@
 #include "module_fixture.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
+#include <thread>
 
 #include "ZQNetworkRestart.h"
 #include "ZQSoftwareUpdate.h"
 #include "ZQUtilEntryPoints.h"
 #include "ZQUtilPersistence.h"
 #include "light_sensor.h"
+#include "loopback_listener.h"
 #include "nvram.h"
 #include "zq_ini.h"
 #include "zq_thread.h"
@@ -19,6 +23,15 @@ namespace {
 
 constexpr char kStoreConfig[] = "/etc/fw_env.config";
 constexpr char kStoreConfigAside[] = "/etc/fw_env.config.aside";
+// How long the threads that a test leaves behind are waited for. Some stay: a module that was loaded twice keeps a library.
+constexpr std::chrono::seconds kThreadsEnd{2};
+
+ptrdiff_t CountThreads() {
+  // With a program's first thread a sanitizer starts one of its own.
+  static const bool hadOne = (std::thread([] {}).join(), true);
+  static_cast<void>(hadOne);
+  return std::distance(fs::directory_iterator("/proc/self/task"), fs::directory_iterator());
+}
 
 }  // namespace
 
@@ -26,8 +39,8 @@ void ResetDevice() {
   for (const auto& entry : fs::directory_iterator(".")) {
     if (entry.path().extension() == ".ini") fs::remove(entry.path());
   }
-  // Nobody listens there: a check for updates ends at once.
-  WriteFile("zqapplog.ini", "[config]\nhost=127.0.0.1\nsslport=1\n");
+  // A check for updates ends at once.
+  WriteFile("zqapplog.ini", "[config]\nhost=127.0.0.1\nsslport=" + std::to_string(RefusingPort()) + "\n");
   fs::remove_all("cache");
   fs::create_directory("cache");
   for (const char* copy : {"/var/lib/zq/nvram0", "/var/lib/zq/nvram1"}) fs::remove(copy);
@@ -35,7 +48,12 @@ void ResetDevice() {
   WriteFile("/proc/blctrl", "0");
   // No light sensor: the backlight is brightness's alone, unless a test puts one in.
   fs::remove(OnThisMachine("/dev/i2c-0"));
-  unsetenv("http_proxy");
+  for (const char* variable : {"http_proxy", "no_proxy"}) unsetenv(variable);
+}
+
+uint16_t RefusingPort() {
+  static const LoopbackListener nobody("127.0.0.1", LoopbackListener::Mode::kRefusing);
+  return nobody.Port();
 }
 
 std::string OnThisMachine(const std::string& devicePath) {
@@ -72,7 +90,7 @@ ClosedKeyStore::~ClosedKeyStore() {
   fs::rename(kStoreConfigAside, kStoreConfig);
 }
 
-ModuleTest::ModuleTest() {
+ModuleTest::ModuleTest() : threadsBefore_(CountThreads()) {
   ResetDevice();
   ZQUtil::myDeviceID = 0;
 }
@@ -83,6 +101,11 @@ ModuleTest::~ModuleTest() {
   EndLightSensor();
   while (!zq_ThreadAwaitEnd(threadCheckForAvailableUpdates, 1)) clock.Advance(std::chrono::seconds(1));
   EndRestarts();
+  // The last ones, of libraries too: what they still trace or post is not the next test's.
+  const auto deadline = std::chrono::steady_clock::now() + kThreadsEnd;
+  while (CountThreads() > threadsBefore_ && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
 }
 
 void ModuleTest::EndLightSensor() {

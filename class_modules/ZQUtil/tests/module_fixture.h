@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -56,6 +58,7 @@ class ModuleTest : public testing::Test {
   BareEngine engine;
 
  private:
+  const ptrdiff_t threadsBefore_;
   bool loaded_ = false;
   size_t traceStart_ = 0;
   std::vector<Object*> live_;
@@ -63,6 +66,8 @@ class ModuleTest : public testing::Test {
 
 // The device's own state, put back by each test's start.
 void ResetDevice();
+// A port of 127.0.0.1 at which nobody ever listens: who connects is refused.
+uint16_t RefusingPort();
 // Where this machine keeps a file of the device, for what no program on the device can do: files of /proc and
 // /sys that come and go.
 std::string OnThisMachine(const std::string& devicePath);

@@ -37,6 +37,11 @@ std::string Works(bool works) {
   return works ? "works\n" : "fails\n";
 }
 
+// What $DISPLAY calls the server at a port of this machine: ports of displays begin at 6000.
+std::string DisplayAt(uint16_t port) {
+  return "127.0.0.1:" + std::to_string(port - 6000);
+}
+
 constexpr char kTraceStart[] = "ZQUtil GUI Call to ScreenStandby\nIn ScreenStandby\n";
 constexpr char kKept[] =
     "XOpenDisplay,DPMSQueryExtension,DPMSCapable,DPMSEnable,DPMSGetTimeouts,XFlush,DPMSForceLevel "
@@ -215,6 +220,8 @@ TEST_F(ScreenStandbyTest, SaysThatAServerDoesNotKnowPowerSaving) {
   EXPECT_EQ(Ask({.server = "real"}), "");
   EXPECT_EQ(Failures(), "DPMSQueryExtension failed.\n");
   server.End();
+  // Its number may be another test's by now, so the name is that of a port where there is none.
+  setenv("DISPLAY", DisplayAt(RefusingPort()).c_str(), 1);
   EXPECT_EQ(Ask({.server = "real"}), "");
   EXPECT_EQ(Failures(), "XOpenDisplay failed.\n") << "the server that was asked before is gone";
 }
@@ -227,8 +234,8 @@ class EndingServer {
   EndingServer& operator=(const EndingServer&) = delete;
   ~EndingServer() { thread_.join(); }
 
-  // What $DISPLAY is to be: ports of displays begin at 6000.
-  std::string Display() const { return "127.0.0.1:" + std::to_string(listener_.Port() - 6000); }
+  // What $DISPLAY is to be.
+  std::string Display() const { return DisplayAt(listener_.Port()); }
 
  private:
   void Serve(const std::string& display) {

@@ -433,7 +433,7 @@ TEST_F(UpdateDownloadTest, ARefusedConnectionIsAnErrorAndNoFailedDownload) {
   Device("1", "4");
   updateAvailable = true;
   TakeTraces();
-  Download("http://127.0.0.1:1/app-1.tgz");
+  Download("http://127.0.0.1:" + std::to_string(RefusingPort()) + "/app-1.tgz");
   AwaitEnd();
   const std::string traces = TakeTraces();
   EXPECT_EQ(traces.substr(traces.find("ZQUtil Downloading Update\n")),
@@ -666,7 +666,7 @@ TEST_F(UpdateDownloadTest, APackageThatTheShellTakesForTwoIsNotAcknowledged) {
 }
 
 TEST_F(UpdateDownloadTest, AnAcknowledgementThatCannotBeDeliveredWaitsInTheKeyStore) {
-  WriteFile("zqapplog.ini", "[config]\nhost=localhost\nsslport=1\n");
+  WriteFile("zqapplog.ini", "[config]\nhost=localhost\nsslport=" + std::to_string(RefusingPort()) + "\n");
   Start();
   Device("1", "4");
   currentUpdateId = 12;
