@@ -26,6 +26,8 @@ class LifecycleTest : public ModuleTest {
   using ModuleTest::trace;
 
  protected:
+  // The light-sensor thread has begun, and traces nothing more before time goes by.
+  void AwaitLightSensor() { clock.AwaitSleepers(1); }
   // Whether the update timer's expiry starts no check.
   bool UpdateChecksHeldBack() {
     ForgetTraces();
@@ -168,6 +170,7 @@ TEST_F(LifecycleTest, LetsItsPartsGoInTheOrderInWhichItMadeThem) {
 TEST_F(LifecycleTest, EndsWithoutTheParts) {
   Object& object = New();
   Settle();
+  AwaitLightSensor();
   ZQUtil& singleton = *ZQUtil::m_pInstance;
   delete std::exchange(singleton.network, nullptr);
   delete std::exchange(singleton.audioVolume, nullptr);
@@ -256,6 +259,7 @@ TEST_F(LifecycleTest, TracesItsEnd) {
 TEST_F(LifecycleTest, TracesUnderTheNameZqutilWhileItLives) {
   Object& object = New();
   Settle();
+  AwaitLightSensor();
   ForgetTraces();
   EXPECT_EQ(trace.Lines().back().name, "zqutil");
   EXPECT_EQ(trace.Lines().back().level, 10000);

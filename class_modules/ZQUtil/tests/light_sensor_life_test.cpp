@@ -236,6 +236,7 @@ TEST_F(LightSensorLifeTest, TheThreadsCarryTheirNames) {
 TEST_F(LightSensorLifeTest, BrightnessSetByAScriptIsTheLastWordUntilTheLightChanges) {
   Object& util = New();
   Settle();
+  clock.AwaitSleepers(1);
   engine.Answer(util, "setDimMode", {S("true")});
   clock.Advance(std::chrono::seconds(1));
   for (int i = 0; i < 100; ++i) {

@@ -75,6 +75,10 @@ class LightSensorTest : public testing::Test {
     return all;
   }
   static bool Ended() { return zq_ThreadAwaitEnd(threadAutoScreenDim, 60000); }
+  // Asks a thread that sleeps in a ramp to end, in the cycle that follows the ramp.
+  static void EndAfterTheNextMeasurement() {
+    AtNextSelection([] { exiting = true; });
+  }
   // Dim mode off, seen by a thread that spins: it is asleep afterwards.
   void Rest() {
     bAutoMode = false;
@@ -182,10 +186,11 @@ TEST_F(LightSensorTest, WaitsForASensorThatNeedsMillionReadsAndNoLonger) {
   // From here on a read more than the thread makes would be needed: the last measurement is used all the same.
   SetSensor("ready = after 1000000 reads");
   SetLight(500);
+  const long before = BusReads();
+  EndAfterTheNextMeasurement();
   clock.Advance(milliseconds(20));
-  while (olddat != 50) std::this_thread::yield();
-  exiting = true;
   EXPECT_TRUE(Ended()) << "nothing ramps";
+  EXPECT_EQ(BusReads() - before, 1000000);
   EXPECT_EQ(olddat, 50U);
 }
 
@@ -198,9 +203,8 @@ TEST_F(LightSensorTest, FailingTransfersLeaveTheLightAsItWas) {
   SetSensor("transfers = fail");
   SetLight(500);
   const long before = BusReads();
+  EndAfterTheNextMeasurement();
   clock.Advance(milliseconds(20));
-  while (BusReads() == before) std::this_thread::yield();
-  exiting = true;
   EXPECT_TRUE(Ended());
   EXPECT_EQ(BusReads() - before, 1000000) << "the answer before does not pass for one that failed";
   EXPECT_EQ(olddat, 50U);

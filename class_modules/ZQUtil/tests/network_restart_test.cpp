@@ -165,6 +165,7 @@ TEST_F(NetworkRestartTest, TheModuleEndsAtOnceAndTheThreadWaitsOn) {
   EndLightSensor();
   EXPECT_FALSE(zq_ThreadAwaitEnd(threadRestartNetwork, 0));
   EXPECT_TRUE(networkScriptRunning);
+  clock.AwaitSleepers(1);
   WriteFile(kDone, "1");
   clock.Advance(seconds(1));
   EXPECT_TRUE(zq_ThreadAwaitEnd(threadRestartNetwork, 60000));

@@ -56,9 +56,10 @@ class UpdateDownloadTest : public UpdateTest {
     AwaitTrace(kDestroyed);
     Settle();
   }
-  // The next round of a test, with the traces of this one out of the way.
+  // The next round of a test, with the traces of this one out of the way. No thread of it sleeps beside the next one's.
   void Again() {
     Drop(*util);
+    EndLightSensor();
     for (const char* trigger : {"/tmp/reboot", "/tmp/do_update"}) unlink(trigger);
     ForgetAwaited();
   }
