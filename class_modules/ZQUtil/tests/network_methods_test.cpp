@@ -564,10 +564,14 @@ class RadioTest : public NetworkMethodsTest {
   }
 
   static void SetAir(const std::string& cells) { WriteFile(OnThisMachine(kCells), cells); }
+  // In one step: the driver may be reading it for a scan of the queue.
   static void SetLink(const std::string& joined, const std::string& resultsMs = "0") {
-    WriteFile(OnThisMachine(kLink),
-              "[link]\nup = yes\n" + joined + "[driver]\nresults_ms = " + resultsMs + "\n");
+    const std::string place = OnThisMachine(kLink);
+    WriteFile(place + ".new", "[link]\nup = yes\n" + joined + "[driver]\nresults_ms = " + resultsMs + "\n");
+    std::filesystem::rename(place + ".new", place);
   }
+  // From here on no scan of the queue ends, until the next SetLink.
+  static void HoldResults() { SetLink("", "600000"); }
   static void Join() {
     SetLink("associated = yes\nessid = Home\n[address]\nip = 10.0.0.7\n");
     StoreKey("net.wifi", "yes");
@@ -669,11 +673,13 @@ TEST_F(RadioTest, ABackgroundScanTellsItsListenerOnceAndTheListIsThere) {
 }
 
 TEST_F(RadioTest, OfBackgroundScansInQuickSuccessionTheLastListenerHearsTheFirstResultAndNobodyTheNext) {
+  HoldResults();
   for (int i = 0; i < 3; ++i) {
     Object& listener = engine.NewObject();
     Ask("backgroundGetESSIDList", {BareEngine::Word(listener)});
     EXPECT_EQ(Property(), "<object>");
   }
+  SetLink("");
   Settle();
   EXPECT_EQ(engine.TakeCalls(), "onSSIDList()");
   EXPECT_EQ(Scans(), 3);
@@ -681,7 +687,7 @@ TEST_F(RadioTest, OfBackgroundScansInQuickSuccessionTheLastListenerHearsTheFirst
 
 TEST_F(RadioTest, WhileAScanIsUnderWayTheCachedListIsEmptyAndThereAtOnce) {
   EXPECT_EQ(Names("getESSIDList"), "Home,Cafe,");
-  SetLink("", "600000");
+  HoldResults();
   PostToQueue(kMsgBackgroundScan, 0);
   while (Scans() < 2) std::this_thread::yield();
   EXPECT_EQ(Names("getCachedESSIDList"), "");
@@ -694,7 +700,7 @@ TEST_F(RadioTest, WhileAScanIsUnderWayTheCachedListIsEmptyAndThereAtOnce) {
 class SlowRadioTest : public RadioTest {
  protected:
   void WhileTheQueueScans(const std::function<void()>& scriptCall, const std::function<void()>& other) {
-    SetLink("", kEndless);
+    HoldResults();
     PostToQueue(kMsgBackgroundScan, 0);
     AwaitScans(1);
     ForgetTraces();
@@ -718,8 +724,6 @@ class SlowRadioTest : public RadioTest {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     return trace.Has(text);
   }
-
-  static constexpr char kEndless[] = "600000";
 };
 
 TEST_F(SlowRadioTest, AListAskedForWhileAScanIsUnderWayIsThatOfTheNextScan) {
@@ -752,7 +756,7 @@ TEST_F(SlowRadioTest, TheCachedListIsThereAtOnceWhileASetUpScans) {
                   Texts({"1", "2", "3", "4", "5", "Home", "OPEN", "DISABLED", "NOKEY", "", "0", ""}))}) {
     ZQUtil::m_pInstance->network->EmptyESSIDList();
     WriteFile(OnThisMachine("/hw/ra0/calls"), "");
-    SetLink("", kEndless);
+    HoldResults();
     std::thread reader([this] {
       AwaitScans(1);
       EXPECT_EQ(Names("getCachedESSIDList"), "");
@@ -785,8 +789,10 @@ TEST_F(RadioTest, ScriptsReadAndScanWhileTheQueueScans) {
 }
 
 TEST_F(RadioTest, AListenerThatIsForgottenMeanwhileHearsNothing) {
+  HoldResults();
   Ask("backgroundGetESSIDList", {BareEngine::Word(engine.NewObject())});
   Ask("backgroundGetESSIDList");
+  SetLink("");
   Settle();
   EXPECT_EQ(engine.TakeCalls(), "");
   EXPECT_EQ(Scans(), 1);
