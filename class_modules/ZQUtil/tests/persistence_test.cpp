@@ -232,9 +232,9 @@ TEST_F(PersistenceTest, PassesKeyStoreWritesOnUnchanged) {
 TEST_F(PersistenceTest, TheModulesEndWaitsForWritesUnderWay) {
   Start();
   const Fault slow(OnThisMachine(""), "fsync:all:stall:5");
-  for (int i = 0; i < 50; ++i) ZQUtil::my_WriteINIFileInt("config", "end", i, "end.ini");
+  for (int i = 0; i < 20; ++i) ZQUtil::my_WriteINIFileInt("config", "end", i, "end.ini");
   Unload();
-  EXPECT_EQ(StoredSetting("end", "end.ini"), "49");
+  EXPECT_EQ(StoredSetting("end", "end.ini"), "19");
 }
 
 }  // namespace
