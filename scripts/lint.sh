@@ -5,7 +5,7 @@ set -eu
 cd "$(dirname "$0")/.."
 
 git ls-files -z '*.cpp' '*.h' | xargs -0 clang-format --dry-run -Werror
-git ls-files -z '*.sh' '.ci/run' 'examples/packages/*/run' 'scripts/system/*' ':!*CMakeLists.txt' | xargs -0 shellcheck -x
+git ls-files -z '*.sh' '.ci/run' 'examples/packages/*/run' 'scripts/system/*' 'packaging/debian/*' ':!*CMakeLists.txt' | xargs -0 shellcheck -x
 git ls-files -z '*.py' tools/make-update tools/update-server | xargs -0 pyflakes3
 if git ls-files -z -- '*.cpp' '*.h' '*.sh' 'scripts/system/*' '*.py' '*.ts' 'tools/*' '*.md' '*.txt' '*.cmake' | xargs -0 grep -nE '[[:blank:]]+$'; then
   echo "lint: blanks at line ends" >&2
