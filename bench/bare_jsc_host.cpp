@@ -17,11 +17,47 @@ void SetFunction(JSContextRef context, JSObjectRef object, const char* name,
   JSStringRelease(key);
 }
 
-JSValueRef Answer(JSContextRef context, JSObjectRef, JSObjectRef, size_t, const JSValueRef[], JSValueRef*) {
-  JSStringRef text = JSStringCreateWithUTF8CString("192.168.1.17");
+JSValueRef MakeText(JSContextRef context, const char* bytes) {
+  JSStringRef text = JSStringCreateWithUTF8CString(bytes);
   JSValueRef value = JSValueMakeString(context, text);
   JSStringRelease(text);
   return value;
+}
+
+JSValueRef Answer(JSContextRef context, JSObjectRef, JSObjectRef, size_t, const JSValueRef[], JSValueRef*) {
+  return MakeText(context, "192.168.1.17");
+}
+
+// An array of as many records as the argument says, of seven properties each, as a list of networks has. The names of
+// the properties are made once.
+JSValueRef Networks(JSContextRef context, JSObjectRef, JSObjectRef, size_t, const JSValueRef arguments[],
+                    JSValueRef*) {
+  constexpr size_t kProperties = 7;
+  static const char* const texts[kProperties] = {"Name",     "Signal",  "Encrypted", "Connected",
+                                                 "AuthType", "EncType", "WPAType"};
+  static JSStringRef names[kProperties];
+  for (size_t i = 0; i < kProperties && names[i] == nullptr; ++i) {
+    names[i] = JSStringCreateWithUTF8CString(texts[i]);
+  }
+  const auto count = static_cast<unsigned>(JSValueToNumber(context, arguments[0], nullptr));
+  JSObjectRef array = JSObjectMakeArray(context, 0, nullptr, nullptr);
+  for (unsigned i = 0; i < count; ++i) {
+    JSObjectRef network = JSObjectMake(context, nullptr, nullptr);
+    const JSValueRef values[kProperties] = {
+        MakeText(context, ("Network " + std::to_string(i)).c_str()),
+        JSValueMakeNumber(context, i),
+        JSValueMakeNumber(context, 1),
+        JSValueMakeNumber(context, 0),
+        MakeText(context, "WPA-PSK"),
+        MakeText(context, "TKIP+AES"),
+        MakeText(context, "WPA2"),
+    };
+    for (size_t k = 0; k < kProperties; ++k) {
+      JSObjectSetProperty(context, network, names[k], values[k], 0, nullptr);
+    }
+    JSObjectSetPropertyAtIndex(context, array, i, network, nullptr);
+  }
+  return array;
 }
 
 JSValueRef Print(JSContextRef context, JSObjectRef, JSObjectRef, size_t count, const JSValueRef arguments[],
@@ -39,6 +75,7 @@ int main(int argc, char* argv[]) {
   SetFunction(context, global, "print", Print);
   JSObjectRef device = JSObjectMake(context, nullptr, nullptr);
   SetFunction(context, device, "answer", Answer);
+  SetFunction(context, device, "networks", Networks);
   JSStringRef name = JSStringCreateWithUTF8CString("device");
   JSObjectSetProperty(context, global, name, device, 0, nullptr);
   std::ifstream file(argv[1]);
