@@ -141,6 +141,8 @@ void Drafts::Settle(JSContextRef context, Scope& owner) {
   DraftBatch batch;
   std::swap(batch, batch_);
   const EngineLock lock;
+  // A script that asks for lists again and again and never comes to an end would fill the table.
+  if (Runtime::Get().TakeStaleHandles()) Runtime::Get().Handles().DropCollected();
   MakeObjects(context, batch.drafts, owner);
   FillDrafts(context, batch);
   Clear(batch);

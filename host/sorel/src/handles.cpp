@@ -165,6 +165,15 @@ bool HandleTable::SetFinalizer(Word handle, zq_Finalizer finalizer) {
 std::vector<Finalization> HandleTable::TakeCollected() {
   return Take(false);
 }
+void HandleTable::DropCollected() {
+  const std::lock_guard lock(mutex_);
+  for (Word index = 0; index < slots_.size(); ++index) {
+    Slot& slot = slots_[index];
+    if (slot.kind == Kind::kPlain && JSWeakGetObject(slot.weak) == nullptr) Free(slot, index);
+  }
+  MergeUnsorted();
+}
+
 std::vector<Finalization> HandleTable::TakeAll() {
   return Take(true);
 }

@@ -79,6 +79,8 @@ class HandleTable {
   // Frees the entries of collected objects; those of module objects are returned, in the order of
   // construction, to be finalized and released. Script thread, engine lock.
   std::vector<Finalization> TakeCollected();
+  // Frees those that are no module objects'. Script thread, engine lock.
+  void DropCollected();
   // All module objects that are left, as if collected. Script thread, engine lock.
   std::vector<Finalization> TakeAll();
   // Script thread.

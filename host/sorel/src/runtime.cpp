@@ -47,6 +47,7 @@ void Runtime::Wake() const {
 void Runtime::AfterCollection(JSContextGroupRef, void* self) {
   auto& runtime = *static_cast<Runtime*>(self);
   runtime.collected_.store(true);
+  runtime.staleHandles_.store(true);
   runtime.Wake();
 }
 

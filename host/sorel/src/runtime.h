@@ -46,8 +46,10 @@ class Runtime {
   int WakeFd() const { return wakeFd_; }
   // Any thread, signal handlers too.
   void Wake() const;
-  // True once after each collection.
+  // True once after each collection: for the loop, which finalizes.
   bool TakeCollected() { return collected_.exchange(false); }
+  // Likewise, for the table of handles while no loop runs.
+  bool TakeStaleHandles() { return staleHandles_.exchange(false); }
 
  private:
   static constexpr int kRunning = -1;
@@ -63,6 +65,7 @@ class Runtime {
   HandleTable handles_;
   std::atomic<int> exitStatus_{kRunning};
   std::atomic<bool> collected_{false};
+  std::atomic<bool> staleHandles_{false};
   std::atomic<bool> limitElsewhere_{false};
 };
 

@@ -147,6 +147,19 @@ TEST_F(Drafts, CollectionsUnderWayMissNothing) {
             "300\n");
 }
 
+TEST_F(Drafts, HandlesOfWhatIsGoneAreUsedAgainWhileAScriptRuns) {
+  EXPECT_EQ(Of("const kept = b.run('object kept; answer kept');\n"
+               "let highest = 0;\n"
+               "for (let i = 0; i < 3000; ++i) {\n"
+               "  new Array(20000).fill({});\n"
+               "  b.run('many l 100; answer l');\n"
+               "  highest = Math.max(highest, b.run('object o; place o'));\n"
+               "}\n"
+               "print(highest < 150000);\n"
+               "print(b.run('int kept A 1') + ', ' + kept.A);"),
+            "true\nrefused:, 1\n");
+}
+
 TEST_F(Drafts, OtherThreadsGetThemOnceTheEngineHasThem) {
   EXPECT_EQ(Of("print(b.run('object o; worker o'));\n"
                "const o = b.run('object o; answer o');\n"

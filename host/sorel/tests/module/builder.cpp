@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "services.h"
+#include "words.h"
 
 #define BUILDER_EXPORT extern "C" __attribute__((visibility("default")))
 
@@ -113,6 +114,10 @@ int32_t Do(const std::string& command, std::istream& words, uint32_t argc, const
     }).join();
     return served;
   }
+  if (command == "place") {  // NAME: answers the place of its handle in the host's table
+    *rval = ZQ_VALUE_FROM_INT(static_cast<int32_t>(sorel::ObjectLayout::Parts(g_values[name]).index));
+    return 1;
+  }
   if (command == "answer") return *rval = g_values[name], 1;
   return 0;
 }
@@ -132,7 +137,7 @@ int32_t Run(void*, uint32_t argc, zq_Value* argv, zq_Value* rval) {
     std::string command;
     words >> command;
     if (Do(command, words, argc, argv, rval) == 0) refused += " " + std::to_string(number);
-    answered |= command == "answer";
+    answered |= command == "answer" || command == "place";
   }
   if (!answered) String(("refused:" + refused).c_str(), rval);
   return 1;
