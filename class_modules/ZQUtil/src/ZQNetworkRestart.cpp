@@ -11,6 +11,7 @@
 #include "zq_timer.h"
 
 std::atomic<bool> networkScriptRunning = false;
+std::atomic<bool> networkRestartBegins = false;
 
 namespace {
 
@@ -40,6 +41,7 @@ int32_t ZQNetwork::restartNetwork() {
   if (zq__beginthread(threadRestartNetwork, this, nullptr, kSourceTag, __LINE__) == 0)
     networkScriptRunning = false;
   connectionState = 0;
+  networkRestartBegins = true;
   return zq_TimerSet(ZQUtilMsgQHandle, kMonitorStepMs, kTimerNetworkStatus, kRestartBegins, 0, 0,
                      "Network Status Check Timer", false);
 }

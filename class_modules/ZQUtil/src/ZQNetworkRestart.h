@@ -20,6 +20,10 @@
 // From the request of a restart until a script was done.
 extern std::atomic<bool> networkScriptRunning;
 
+// From the request of a restart until the connectivity monitor's next step. A step that is under way at the request arms
+// its own timer over the restart's, whose parameter would say the same.
+extern std::atomic<bool> networkRestartBegins;
+
 // Thread body; 0. The network object may be gone long before the thread: it is not touched.
 ZQUTIL_API int32_t threadRestartNetwork(void* network);
 

@@ -4,6 +4,7 @@
 #include "ESSIDListTurn.h"
 #include "TimeDrift.h"
 #include "ZQNetwork.h"
+#include "ZQNetworkRestart.h"
 #include "ZQSoftwareUpdate.h"
 #include "ZQUtil.h"
 #include "ZQUtilPersistence.h"
@@ -100,7 +101,7 @@ void ZQUtil::OnSoftwareUpdateTimer() {
 }
 
 void ZQUtil::OnNetworkStatusTimer(uintptr_t param) {
-  if (param == 1) {
+  if (networkRestartBegins.exchange(false) || param == 1) {
     // A network restart begins: a result that is still on its way belongs to the network that was.
     connectivityReported = true;
     interfaceWaits = 0;

@@ -85,6 +85,23 @@ TEST_F(NetworkRestartTest, TheMonitorsFirstStepForgetsTheResultOfTheNetworkBefor
   EXPECT_EQ(ZQUtil::m_pInstance->interfaceWaits, 0) << "the timer said that a restart begins";
 }
 
+TEST_F(NetworkRestartTest, AStepUnderWayAtTheRequestLeavesTheMonitorsFirstStepWhatItIs) {
+  ZQUtil::m_pInstance->connectivityReported = false;
+  ZQUtil::m_pInstance->interfaceWaits = 9;
+  Restart();
+  // As such a step does at its end.
+  zq_TimerSet(ZQUtil::m_pInstance->Handle(), 1000, kTimerNetworkStatus, 0, 0, 0, "Network Status Check Timer",
+              false);
+  Second(1);
+  Settle();
+  EXPECT_TRUE(ZQUtil::m_pInstance->connectivityReported);
+  EXPECT_EQ(ZQUtil::m_pInstance->interfaceWaits, 0);
+  ZQUtil::m_pInstance->interfaceWaits = 9;
+  Second(1);
+  Settle();
+  EXPECT_EQ(ZQUtil::m_pInstance->interfaceWaits, 9) << "the next step is none";
+}
+
 TEST_F(NetworkRestartTest, LooksEachSecondUntilTheScriptIsDone) {
   Restart();
   // The monitor asks for the address when the script is done, which would put the update check off at once.
