@@ -20,6 +20,13 @@ cmake --install "$build" --prefix "$work/usr" >"$work/install.log" 2>&1 || {
 DESTDIR=$work/root cmake --install "$build" --prefix /usr >/dev/null
 [ -x "$work/root/usr/bin/sorel" ] || fail "DESTDIR is not honoured"
 
+# Where a script's files go: the module makes no folder for them.
+folders=$(sed -n 's/^d  *\([^ ]*\).*/\1/p' "$work/usr/lib/tmpfiles.d/zqutil.conf")
+home=$(sed -n 's/^WorkingDirectory=//p' "$work/usr/lib/systemd/system/sorel.service")
+for folder in "$home" "$home/cache"; do
+  echo "$folders" | grep -qx "$folder" || fail "nothing makes $folder"
+done
+
 consume() {
   cmake -S "$here/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$work/usr" && cmake --build "$work/consumer"
 }
