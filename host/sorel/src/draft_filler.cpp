@@ -158,7 +158,7 @@ class Filler {
 
 }  // namespace
 
-void FillDrafts(JSContextRef context, const DraftBatch& batch) {
+SOREL_VALUES_ON_STACK void FillDrafts(JSContextRef context, const DraftBatch& batch) {
   Filler filler(context, batch);
   for (size_t number = 0; number < batch.drafts.size();) number += filler.Fill(number);
 }

@@ -39,7 +39,7 @@ void Clear(DraftBatch& batch) {
 }
 
 // The objects themselves, kept alive by the scope from the first moment, and known by their handles.
-void MakeObjects(JSContextRef context, std::vector<Draft>& drafts, Scope& owner) {
+SOREL_VALUES_ON_STACK void MakeObjects(JSContextRef context, std::vector<Draft>& drafts, Scope& owner) {
   constexpr size_t kAtOnce = 256;
   std::array<JSValueRef, kAtOnce> objects;  // on the stack, where the collector sees them
   std::array<MadeObject, kAtOnce> made;
