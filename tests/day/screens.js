@@ -7,8 +7,10 @@ const show = (...words) => print(words.join(' '));
 // Whether the screen of the network is open. Checks for updates tell of the network, too, at moments of their own.
 let opened = false;
 const network = (words, last) => () => {
-  if (opened) show(`network: ${words}`);
+  if (!opened) return;
+  // Before it shows: whoever reads the line touches the next button.
   if (last) opened = false;
+  show(`network: ${words}`);
 };
 util.registerConnectivityListener({
   onAssociation: network('joined'),
@@ -38,8 +40,8 @@ const buttons = {
   }),
   join: (name, password) => {
     const chosen = util.getCachedESSIDList().find((each) => each.Name === name);
-    util.setWirelessNetworkDHCP(name, chosen.AuthType, chosen.EncType, '', password, 0, chosen.WPAType);
     opened = true;
+    util.setWirelessNetworkDHCP(name, chosen.AuthType, chosen.EncType, '', password, 0, chosen.WPAType);
   },
   zone: (city) => {
     const zone = util.getTZList().find((each) => each.Description.includes(city));
