@@ -6,6 +6,7 @@
 
 #include "js_text.h"
 #include "script.h"
+#include "script_turn.h"
 
 namespace sorel {
 namespace {
@@ -75,6 +76,7 @@ Unfinished FindUnfinished(std::string_view line) {
 }
 
 std::vector<std::string> PropertyNames(JSContextRef context, const Unfinished& unfinished) {
+  const ScriptTurn turn;
   JSValueRef thrown = nullptr;
   const std::string object = unfinished.object.empty() ? "globalThis" : unfinished.object;
   JSValueRef arguments[] = {Evaluate(context, {object, ""}, &thrown),

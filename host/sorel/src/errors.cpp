@@ -8,6 +8,7 @@
 #include "output.h"
 #include "properties.h"
 #include "runtime.h"
+#include "script_turn.h"
 #include "show.h"
 
 namespace sorel {
@@ -71,6 +72,7 @@ std::string DescribeErrorWithStack(JSContextRef context, JSValueRef thrown) {
 }
 
 void ReportError(JSContextRef context, JSValueRef thrown) {
+  const ScriptTurn turn;
   if (Runtime::Get().ExitRequested()) return;
   FlushOutput();
   const std::string report = DescribeErrorWithStack(context, thrown);

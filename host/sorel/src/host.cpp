@@ -12,6 +12,7 @@
 #include "output.h"
 #include "prompt.h"
 #include "runtime.h"
+#include "script_turn.h"
 #include "signals.h"
 #include "stack_scrub.h"
 #include "zq_thread.h"
@@ -54,6 +55,7 @@ bool Host::Start(const Options& options, std::string* error) {
   HoldSignals();
   SetUpOutput();
   BecomeScriptThread();
+  g_turn.Prepare();
   Runtime::Create();
   Runtime& runtime = Runtime::Get();
   CatchSignals({RestoreTerminal, DropTypedLine, RetakeTerminal});

@@ -12,6 +12,7 @@
 #include "js_text.h"
 #include "properties.h"
 #include "runtime.h"
+#include "script_turn.h"
 #include "values.h"
 
 namespace sorel {
@@ -98,6 +99,7 @@ void SetLength(JSContextRef context, JSObjectRef function, uint32_t length) {
 
 JSObjectRef MakeClass(const std::string& name) {
   JSContextRef context = Runtime::Get().Context();
+  const ScriptTurn turn;
   const EngineLock lock;
   JSValueRef maker = JSEvaluateScript(context, JsText::Of(kMakeClass).Get(), nullptr, nullptr, 1, nullptr);
   if (maker == nullptr) return nullptr;
@@ -153,8 +155,11 @@ JSValueRef CallNative(const NativeMethod& method, JSContextRef context, JSObject
     Scope scope(context, known);
     ArgumentWords words(context, scope, count, arguments, method.declared);
     Word answer = ZQ_VALUE_VOID;
-    const int32_t handled =
-        method.call(PointerOf(handle), static_cast<uint32_t>(count), words.Data(), &answer);
+    int32_t handled = 0;
+    {
+      const TurnPause pause;
+      handled = method.call(PointerOf(handle), static_cast<uint32_t>(count), words.Data(), &answer);
+    }
     if (handled == 0 || !ValueOf(context, answer, &result)) result = nullptr;
   }
   runtime.RestoreLimit();

@@ -23,6 +23,7 @@
 #include "readline_library.h"
 #include "runtime.h"
 #include "script.h"
+#include "script_turn.h"
 #include "show.h"
 #include "unfinished_input.h"
 
@@ -75,6 +76,7 @@ size_t ScreenWidth() {
 }
 
 void EvaluateTyped(const std::string& script) {
+  const ScriptTurn turn;
   JSValueRef thrown = nullptr;
   JSValueRef value = Evaluate(g_context, {script, ""}, &thrown);
   if (Runtime::Get().ExitRequested()) return;
@@ -257,7 +259,10 @@ void RunPrompt(JSContextRef context, Loop& loop) {
   rl_callback_handler_install(kPrompt, OnLine);
   ShowAbovePrompt(true);
   loop.WatchInput(STDIN_FILENO, ReadKey, BeforeWaiting);
-  while (JSValueRef thrown = loop.Run(context)) WriteLine(DescribeError(context, thrown), false);
+  while (JSValueRef thrown = loop.Run(context)) {
+    const ScriptTurn turn;
+    WriteLine(DescribeError(context, thrown), false);
+  }
   ShowAbovePrompt(false);
   rl_callback_handler_remove();
   // A signal leaves the prompt standing on its line.

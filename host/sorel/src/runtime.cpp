@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+#include "script_turn.h"
+
 namespace sorel {
 namespace {
 
@@ -26,6 +28,7 @@ Runtime::Runtime()
 void Runtime::RequestExit(int status) {
   int running = kRunning;
   exitStatus_.compare_exchange_strong(running, status);
+  g_turn.RefuseEntries();
   Wake();
 }
 

@@ -29,7 +29,7 @@ class Runtime {
 
   // Any thread, also from within a script, which is ended. The first status counts.
   void RequestExit(int status);
-  // As RequestExit, for signal handlers.
+  // As RequestExit, with the status of a program that the signal ended.
   void RequestExitBySignal(int signal);
   bool ExitRequested() const { return exitStatus_.load(std::memory_order_relaxed) != kRunning; }
   int ExitStatus() const { return exitStatus_.load(); }

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "js_text.h"
+#include "script_turn.h"
 
 namespace sorel {
 namespace {
@@ -38,6 +39,8 @@ JSValueRef Evaluate(JSContextRef context, const ScriptText& script, JSValueRef* 
   const JsText source = JsText::Of(script.source);
   const JsText name = JsText::Of(script.name);
   *thrown = nullptr;
+  const ScriptTurn turn;
+  if (!turn) return nullptr;
   JSValueRef value = JSEvaluateScript(context, source.Get(), nullptr, name.Get(), 1, thrown);
   return *thrown == nullptr ? value : nullptr;
 }

@@ -16,7 +16,8 @@ struct ScriptText {
 // False, and why in `error`, when the file cannot be read.
 bool ReadScript(const std::string& path, ScriptText* script, std::string* error);
 bool ReadScriptFromStdin(ScriptText* script, std::string* error);
-// The value of the last expression; null when the script threw, and what in `thrown`.
+// The value of the last expression; null when the script threw, and what in `thrown`, and when the host was asked to
+// end before the script's turn.
 JSValueRef Evaluate(JSContextRef context, const ScriptText& script, JSValueRef* thrown);
 // The path that `load(path)` means when `caller` calls it, a script's name ("" for none): relative to its
 // folder.

@@ -9,6 +9,7 @@
 #include "errors.h"
 #include "properties.h"
 #include "runtime.h"
+#include "script_turn.h"
 #include "zq_clock.h"
 
 namespace sorel {
@@ -124,7 +125,10 @@ void AddTimerGlobals(JSContextRef context, JSObjectRef global) {
 
 bool RunDueTimers(JSContextRef context, JSValueRef* thrown) {
   const Instant now = Now();
-  while (!Runtime::Get().ExitRequested()) {
+  while (NextTimerDue() <= now) {
+    // First, as a listener may clear the timer while this waits.
+    const ScriptTurn turn;
+    if (Runtime::Get().ExitRequested()) break;
     const Call call = TakeDueCall(context, now);
     if (call.empty()) return true;
     *thrown = nullptr;

@@ -8,6 +8,7 @@
 #include "properties.h"
 #include "runtime.h"
 #include "scope.h"
+#include "script_turn.h"
 #include "values.h"
 
 namespace sorel {
@@ -59,6 +60,7 @@ JSValueRef CallListener(JSContextRef context, JSObjectRef object, const char* na
 
 int32_t ServiceDefineMethod(void* object, const char* name, zq_NativeMethod method, uint32_t declared) {
   Runtime& runtime = Runtime::Get();
+  const ScriptTurn turn;
   if (name == nullptr || method == nullptr || !runtime.Serves()) return 0;
   const EngineLock lock;
   JSObjectRef target = ObjectOf(runtime.Context(), WordOf(object));
@@ -67,9 +69,11 @@ int32_t ServiceDefineMethod(void* object, const char* name, zq_NativeMethod meth
 
 int32_t ServiceSetElement(void* array, uint32_t index, zq_Value* value) {
   Runtime& runtime = Runtime::Get();
-  if (value == nullptr || !runtime.Serves()) return 0;
+  if (value == nullptr) return 0;
   Drafts* const drafts = Scope::DraftsOfCall();
   if (drafts != nullptr && drafts->SetElement(WordOf(array), index, *value)) return 1;
+  const ScriptTurn turn;
+  if (!runtime.Serves()) return 0;
   const EngineLock lock;
   JSObjectRef target = ObjectOf(runtime.Context(), WordOf(array));
   JSValueRef element = nullptr;
@@ -81,9 +85,11 @@ int32_t ServiceSetElement(void* array, uint32_t index, zq_Value* value) {
 
 int32_t ServiceSetProperty(void* object, const char* name, zq_Value* value) {
   Runtime& runtime = Runtime::Get();
-  if (name == nullptr || value == nullptr || !runtime.Serves()) return 0;
+  if (name == nullptr || value == nullptr) return 0;
   Drafts* const drafts = Scope::DraftsOfCall();
   if (drafts != nullptr && drafts->SetProperty(WordOf(object), name, *value)) return 1;
+  const ScriptTurn turn;
+  if (!runtime.Serves()) return 0;
   const EngineLock lock;
   JSObjectRef target = ObjectOf(runtime.Context(), WordOf(object));
   JSValueRef property = nullptr;
@@ -93,8 +99,8 @@ int32_t ServiceSetProperty(void* object, const char* name, zq_Value* value) {
 
 int32_t ServiceCallMethod(void* object, const char* name, uint32_t argc, zq_Value* argv, zq_Value* rval) {
   Runtime& runtime = Runtime::Get();
-  if (name == nullptr || (argc > 0 && argv == nullptr) || !runtime.Serves() || runtime.ExitRequested())
-    return 0;
+  const ScriptTurn turn;
+  if (name == nullptr || (argc > 0 && argv == nullptr) || runtime.ExitRequested()) return 0;
   if (rval != nullptr) *rval = ZQ_VALUE_VOID;
   JSContextRef context = runtime.Context();
   const EngineLock lock;

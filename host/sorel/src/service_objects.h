@@ -1,4 +1,4 @@
-// Services that act on objects. Any thread; see engine.h.
+// Services that act on objects. Any thread; see engine.h. Most wait for the thread's turn, as setters are script code.
 #ifndef SOREL_SERVICE_OBJECTS_H
 #define SOREL_SERVICE_OBJECTS_H
 

@@ -7,6 +7,7 @@
 #include "js_text.h"
 #include "runtime.h"
 #include "scope.h"
+#include "script_turn.h"
 #include "values.h"
 
 namespace sorel {
@@ -49,6 +50,8 @@ int32_t ServiceValueToInt(zq_Value value, int32_t* integer) {
 
 int32_t ServiceValueToObject(zq_Value value, void** object) {
   Runtime& runtime = Runtime::Get();
+  // A draft becomes an object, which may have setters of the script's.
+  const ScriptTurn turn;
   if (!runtime.Serves() || (!IsScopedHandle(value) && !IsObjectHandle(value))) return 0;
   const EngineLock lock;
   JSObjectRef found = ObjectOf(runtime.Context(), value);
@@ -60,6 +63,8 @@ int32_t ServiceValueToObject(zq_Value value, void** object) {
 
 const char* ServiceValueToString(zq_Value value, uint32_t*) {
   Runtime& runtime = Runtime::Get();
+  // An object's text is what its own toString says.
+  const ScriptTurn turn;
   if (!runtime.Serves()) return nullptr;
   JSContextRef context = runtime.Context();
   const EngineLock lock;
@@ -80,9 +85,10 @@ int32_t ServiceNewString(const char* bytes, uint32_t length, zq_Value* value) {
 
 void* ServiceNewArray(uint32_t length, zq_Value* elements) {
   Runtime& runtime = Runtime::Get();
-  if (!runtime.Serves()) return nullptr;
   Drafts* const drafts = elements == nullptr ? Scope::DraftsOfCall() : nullptr;
   if (drafts != nullptr) return PointerOf(drafts->Add(true));
+  const ScriptTurn turn;
+  if (!runtime.Serves()) return nullptr;
   JSContextRef context = runtime.Context();
   const EngineLock lock;
   JSObjectRef array = JSObjectMakeArray(context, 0, nullptr, nullptr);

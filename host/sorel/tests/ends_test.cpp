@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <stdexcept>
@@ -129,6 +130,15 @@ class PipedScript {
     kill(child_, SIGKILL);
     return AwaitChild(child_);
   }
+  void Signal(int signal) const { kill(child_, signal); }
+  // Until the pipe takes no more for a while, with what the script printed.
+  void AwaitFull() const {
+    int before = -1;
+    for (int now = 0; now == 0 || now != before; usleep(50000)) {
+      before = now;
+      ioctl(reader_, FIONREAD, &now);
+    }
+  }
   // To its end.
   std::string Read() const {
     std::string all;
@@ -149,6 +159,24 @@ TEST_F(Ends, AModuleEndsTheProcessThoughNobodyReadsWhatItsScriptPrints) {
   EXPECT_EQ(PipedScript(run.Command("test.js")).AwaitEnd(), 7) << "the script's thread is in a write";
   run.AddFile("test.js", "print('x'.repeat(65535)); print('more'); new Probe().endProcess(7);");
   EXPECT_EQ(PipedScript(run.Command("test.js")).AwaitEnd(), 7) << "the pipe is full";
+}
+
+TEST_F(Ends, AModuleEndsTheProcessThoughAListenerWaitsForAScriptThatIsInAWrite) {
+  run.AddFile("test.js",
+              "const p = new Probe(); p.listen({on() {}}); p.callUntilRefused(); p.endProcessLater(7, 100);\n"
+              "for (;;) print('a line that nobody reads');");
+  EXPECT_EQ(PipedScript(run.Command("test.js")).AwaitEnd(), 7);
+}
+
+TEST_F(Ends, ASignalEndsAScriptForWhichAListenerWaitsWhenItsWriteIsThrough) {
+  run.AddFile("test.js",
+              "const p = new Probe(); p.listen({on() {}, onLast() {}}); p.callFromLooseWorker();\n"
+              "for (;;) print('a line that nobody reads');");
+  const PipedScript script(run.Command("test.js"));
+  script.AwaitFull();
+  script.Signal(SIGTERM);
+  script.Read();
+  EXPECT_EQ(script.AwaitEnd(), 128 + SIGTERM);
 }
 
 TEST_F(Ends, WhatWasPrintedBeforeAModuleEndedTheProcessIsThere) {

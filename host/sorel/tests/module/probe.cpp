@@ -28,6 +28,7 @@ void* g_stored = nullptr;
 std::mutex g_mutex;
 std::condition_variable g_changed;
 bool g_released = false;
+bool g_inside = false;
 
 int32_t Int(int n, zq_Value* rval) {
   *rval = ZQ_VALUE_FROM_INT(n);
@@ -47,8 +48,12 @@ int32_t Finalizer(void*) {
   return 1;
 }
 
+int32_t WaitForWorker(void*, uint32_t, zq_Value*, zq_Value* rval);
+
 int32_t Constructor(void* self, uint32_t argc, zq_Value* argv, zq_Value* rval) {
   if (argc > 0 && argv[0] == ZQ_VALUE_FROM_INT(0)) return 0;
+  zq_Value answer = 0;
+  if (argc > 0 && argv[0] == ZQ_VALUE_FROM_INT(2)) WaitForWorker(self, 0, nullptr, &answer);
   ++g_constructed;
   g_services.Get<zq_SetFinalizer>(ZQ_SLOT_SET_FINALIZER)(self, Finalizer);
   const bool bare = argc > 0 && argv[0] == ZQ_VALUE_FROM_INT(1);
@@ -276,6 +281,24 @@ int32_t WaitForWorker(void*, uint32_t, zq_Value*, zq_Value* rval) {
   return 1;
 }
 
+// Sits in the native method until a listener that a worker calls meanwhile sits in another, stayInside.
+int32_t WaitForInside(void*, uint32_t, zq_Value*, zq_Value*) {
+  g_workers.emplace_back(Storm, 0, 1);
+  std::unique_lock lock(g_mutex);
+  g_changed.wait(lock, [] { return g_inside; });
+  return 1;
+}
+// Longer than the other method takes to return.
+int32_t StayInside(void*, uint32_t, zq_Value*, zq_Value*) {
+  {
+    const std::lock_guard lock(g_mutex);
+    g_inside = true;
+    g_changed.notify_all();
+  }
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  return 1;
+}
+
 // A worker makes an object without a request around it, and hands it to the listener while the script is
 // idle.
 int32_t CallFromLooseWorker(void*, uint32_t, zq_Value*, zq_Value*) {
@@ -307,6 +330,20 @@ int32_t CallUntilRefused(void*, uint32_t, zq_Value*, zq_Value*) {
     Say(refused ? "worker refused" : "worker served");
     g_released = true;
     g_changed.notify_all();
+  });
+  return 1;
+}
+
+// Sets the listener's property "value" and asks for its text, on and on, until the host refuses.
+int32_t UseListenerUntilRefused(void*, uint32_t, zq_Value*, zq_Value*) {
+  g_workers.emplace_back([] {
+    bool served = true;
+    while (served) {
+      Begin();
+      served =
+          SetProperty(g_listener, "value", ZQ_VALUE_FROM_INT(1)) == 1 && Text(ValueOf(g_listener)) != nullptr;
+      End();
+    }
   });
   return 1;
 }
@@ -378,8 +415,11 @@ constexpr Row kMethods[] = {
     {"startStorm", StartStorm, 2},
     {"joinStorm", JoinStorm, 0},
     {"waitForWorker", WaitForWorker, 0},
+    {"waitForInside", WaitForInside, 0},
+    {"stayInside", StayInside, 0},
     {"callFromLooseWorker", CallFromLooseWorker, 0},
     {"callUntilRefused", CallUntilRefused, 0},
+    {"useListenerUntilRefused", UseListenerUntilRefused, 0},
     {"counts", Counts, 0},
     {"endProcess", EndProcess, 1},
     {"endProcessLater", EndProcessLater, 2},
