@@ -16,4 +16,4 @@ util.registerConnectivityListener(listener);
 setTimeout(() => {
   print('still waiting after', heard.join(' '));
   exit(3);
-}, 60000);
+}, 200000);
