@@ -87,8 +87,9 @@ STORED_WHEN_MISSING = {("setIniSetting", "value"), ("setWirelessNetworkDHCP", "w
                        ("setWirelessNetworkStatic", "wpaType")}
 
 
-# The network's restart asks the system from a thread of its own. (The file's text is a script, too.)
-AWAIT_REQUEST = "setInterval(() => { try { load('/tmp/do_S12'); } catch { return; } exit(0); }, 10)"
+# The network's restart asks the system from a thread of its own. (The file's text is a script, too, whose value is the
+# number; of a file that is just being written it has none.)
+AWAIT_REQUEST = "setInterval(() => { try { if (load('/tmp/do_S12') === 1) exit(0); } catch {} }, 10)"
 
 
 def script(calls, end="exit(0)"):
