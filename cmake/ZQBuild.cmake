@@ -13,11 +13,12 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 
-# The libraries find each other beside themselves, in the build folder as after installation.
+# The libraries find each other beside themselves, as zq_install_... sees to, and programs find them from the folder
+# beside theirs, in the build folder as after installation. Nobody looks in more folders than that: in each the loader
+# tries a dozen subfolders for the processor's kind.
 # Both are one text: CMake would else pad the shorter one with an empty entry, by which the loader
 # looks for every library in the working folder first.
-# The loader looks at each of these in a dozen subfolders for the processor's kind: first where a program finds them.
-set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib;$ORIGIN")
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib")
 if(NOT CMAKE_INSTALL_LIBDIR STREQUAL "lib")
   list(PREPEND CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 endif()

@@ -12,6 +12,7 @@ set(ZQ_PREFIX_FROM_PKGCONFIG ../..)
 # zq_install_library(TARGET [HEADERS files...]): a platform library that others may build against.
 function(zq_install_library target)
   cmake_parse_arguments(ARG "" "" "HEADERS" ${ARGN})
+  set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
   target_include_directories(${target} INTERFACE $<INSTALL_INTERFACE:${ZQ_INCLUDE_FOLDER}>)
   install(TARGETS ${target} EXPORT zqutil LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime)
   if(ARG_HEADERS)
@@ -21,6 +22,7 @@ endfunction()
 
 # zq_install_module(TARGET COMPONENT): a library that is loaded at run time and linked by nobody.
 function(zq_install_module target component)
+  set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
   install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${component})
 endfunction()
 
