@@ -11,6 +11,7 @@
 #include "file_descriptor.h"
 #include "folder_lock.h"
 #include "platform_trace.h"
+#include "synced_file.h"
 #include "whole_file.h"
 
 namespace {
@@ -23,9 +24,12 @@ bool Refuse(const char* what, const std::string& path) {
 }
 
 // An earlier write of the same value may not have been durable.
-bool Sync(const FolderLock& lock, const std::string& path) {
+bool Sync(const FolderLock& lock, const std::string& path, const struct stat& status) {
+  if (SyncedFile::Last().Is(status)) return true;
   const FileDescriptor fd(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  return fd.IsOpen() && fsync(fd.Get()) == 0 && fsync(lock.Fd()) == 0;
+  if (!fd.IsOpen() || fsync(fd.Get()) != 0 || fsync(lock.Fd()) != 0) return false;
+  SyncedFile::Last().Set(status);
+  return true;
 }
 
 }  // namespace
@@ -56,7 +60,7 @@ bool ChangeIniFile(const std::string& path, const std::function<IniChange(IniDoc
   IniDocument document(old ? std::move(old->bytes) : "");
   switch (change(document)) {
     case IniChange::kNone:
-      return !durable || Sync(lock, target) || Refuse("sync", path);
+      return !durable || Sync(lock, target, old->status) || Refuse("sync", path);
     case IniChange::kRefused:
       PlatformFailure("INI: %s cannot hold such a section or key", path.c_str());
       return false;

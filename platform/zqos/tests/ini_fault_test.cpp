@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
 #include <map>
 #include <vector>
 
@@ -168,16 +169,34 @@ TEST_P(IniDurabilityTest, TheContentsAreOnTheDiskBeforeTheNameChangesAndTheNameB
 
 TEST_P(IniDurabilityTest, AValueThatIsThereFromAQuickWriteIsBroughtToTheDisk) {
   ASSERT_TRUE(Set("a", "x", "new", file_, false));
-  {
-    const Fault fault(folder_.Path(), "");
-    EXPECT_TRUE(Write());
-    EXPECT_EQ(fault.Calls("fsync"), 2);
-    EXPECT_EQ(fault.Calls("write"), 0);
-  }
   for (const char* plan : {"fsync:1:EIO", "fsync:2:EIO"}) {
     const Fault fault(folder_.Path(), plan);
     EXPECT_FALSE(Write());
   }
+  const Fault fault(folder_.Path(), "");
+  EXPECT_TRUE(Write());
+  EXPECT_EQ(fault.Calls("fsync"), 2);
+  EXPECT_EQ(fault.Calls("write"), 0);
+}
+
+TEST_P(IniDurabilityTest, AFileThatIsOnTheDiskIsBroughtThereAgainOnlyAfterAChange) {
+  ASSERT_TRUE(Set("a", "x", "new", file_, false));
+  const auto syncs = [this](const char* section, const char* key, const char* value) {
+    const Fault fault(folder_.Path(), "");
+    EXPECT_TRUE(Set(section, key, value, file_, true));
+    return fault.Calls("fsync");
+  };
+  EXPECT_EQ(syncs("a", "x", "new"), 2);
+  EXPECT_EQ(syncs("a", "x", "new"), 0);
+  EXPECT_EQ(syncs("b", "y", "1"), 0) << "the same file";
+  ASSERT_TRUE(Set("b", "y", "2", file_, false));
+  EXPECT_EQ(syncs("a", "x", "new"), 2) << "after a quick write";
+  EXPECT_EQ(syncs("b", "y", "3"), 2) << "of a new value";
+  // Another program writes the same bytes anew.
+  const std::string bytes = ReadFile(file_);
+  std::filesystem::remove(file_);
+  WriteFile(file_, bytes);
+  EXPECT_EQ(syncs("b", "y", "3"), 2);
 }
 
 }  // namespace
