@@ -89,8 +89,23 @@ constexpr TimeZoneRow tztable[kTimeZoneRows] = {
 
 namespace {
 
+// All paths begin with the folder.
+constexpr size_t kBegin = sizeof kZoneFolder;
+static_assert(std::ranges::all_of(tztable, [](const TimeZoneRow& row) {
+  return std::string_view(row.path).starts_with(kZoneFolder) && row.path[kBegin - 1] == '/';
+}));
+
+constexpr std::array<uint8_t, kTimeZoneRows> kLengths = [] {
+  std::array<uint8_t, kTimeZoneRows> lengths{};
+  std::ranges::transform(tztable, lengths.begin(), [](const TimeZoneRow& row) {
+    return static_cast<uint8_t>(std::string_view(row.path).size() - kBegin);
+  });
+  return lengths;
+}();
+
+// Below the folder.
 constexpr std::string_view PathOf(uint8_t row) {
-  return tztable[row].path;
+  return {tztable[row].path + kBegin, kLengths[row]};
 }
 
 using RowNumbers = std::array<uint8_t, kTimeZoneRows>;
@@ -109,8 +124,11 @@ static_assert(std::ranges::adjacent_find(kByPath, {}, PathOf) == kByPath.end(), 
 }  // namespace
 
 const TimeZoneRow* FindTimeZoneRow(const char* path) {
-  const auto* const found = std::ranges::lower_bound(kByPath, std::string_view(path), {}, PathOf);
-  return found != kByPath.end() && PathOf(*found) == path ? &tztable[*found] : nullptr;
+  const std::string_view whole(path);
+  if (!whole.starts_with(kZoneFolder) || path[kBegin - 1] != '/') return nullptr;
+  const std::string_view below = whole.substr(kBegin);
+  const auto* const found = std::ranges::lower_bound(kByPath, below, {}, PathOf);
+  return found != kByPath.end() && PathOf(*found) == below ? &tztable[*found] : nullptr;
 }
 
 bool TimeZonesBelow(const char* folder) {
