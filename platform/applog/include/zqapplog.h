@@ -15,12 +15,13 @@ extern "C" {
 
 #define ZQ_APPLOG_API __attribute__((visibility("default")))
 
-// Begins to keep records. `classObject` is the caller's, and not used. Returns 0, or -1 when the system gives
-// no thread. Counted: each call is paired with one ZQLogUnregister.
+// Begins to keep records. `classObject` is the caller's, and not used. Returns 0, or -1 when there is no memory.
+// Counted: each call is paired with one ZQLogUnregister.
 ZQ_APPLOG_API int32_t ZQLogRegister(void* classObject);
-// Takes a record and returns at once; the disk is written by a thread of the library's own. `detail` may be
-// null. Texts are cut to 1024 bytes. 0; -1 when nobody is registered, a text is null, or 1000 records wait
-// already: then the record is dropped, and the next one written is led by a line that says how many were.
+// Takes a record and returns at once; the disk is written by a thread of the library's own, which the first record
+// starts. `detail` may be null. Texts are cut to 1024 bytes. 0; -1 when nobody is registered, a text is null, 1000
+// records wait already, or the system gives no thread: then the record is dropped, and the next one written is led by a
+// line that says how many were.
 ZQ_APPLOG_API int32_t ZQLogApplicationActivity(const char* application, const char* action,
                                                const char* detail);
 // The last one waits until what was taken is written, at most 5 seconds, and ends the thread.

@@ -7,7 +7,8 @@
 #include "zqapplog.h"
 
 int32_t ZQLogRegister(void* /*classObject*/) try {
-  return RecordQueue::Get().Begin() ? 0 : -1;
+  RecordQueue::Get().Begin();
+  return 0;
 } catch (const std::exception&) {
   return -1;
 }

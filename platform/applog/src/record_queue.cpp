@@ -32,17 +32,17 @@ RecordQueue& RecordQueue::Get() {
   return queue;
 }
 
-bool RecordQueue::Begin() {
+void RecordQueue::Begin() {
   const std::lock_guard lock(mutex_);
-  if (!running_) running_ = zq__beginthread(&Thread, this, nullptr, __FILE__, __LINE__) != 0;
-  if (running_) ++users_;
-  return running_;
+  ++users_;
 }
 
 bool RecordQueue::Take(std::string line) {
   const std::lock_guard lock(mutex_);
   if (users_ == 0) return false;
-  if (waiting_.size() >= kMaxWaiting) {
+  // Most processes never have a record.
+  if (!running_) running_ = zq__beginthread(&Thread, this, nullptr, __FILE__, __LINE__) != 0;
+  if (!running_ || waiting_.size() >= kMaxWaiting) {
     ++lost_;
     return false;
   }

@@ -16,9 +16,8 @@ class RecordQueue {
  public:
   static RecordQueue& Get();
 
-  // False when the system gives no thread.
-  bool Begin();
-  // False when nobody began, or too many wait.
+  void Begin();
+  // False when nobody began, too many wait, or the system gives no thread.
   bool Take(std::string line);
   // The last one to end waits for the disk, at most 5 seconds.
   void End();

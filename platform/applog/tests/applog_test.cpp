@@ -1,6 +1,8 @@
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <thread>
@@ -11,7 +13,25 @@
 #include "manual_clock.h"
 #include "temp_dir.h"
 #include "trace_capture.h"
+#include "zq_thread.h"
 #include "zqapplog.h"
+
+namespace {
+
+std::atomic<int> g_started = 0;
+std::atomic<bool> g_noMore = false;
+
+}  // namespace
+
+// In place of the platform's, which it passes on to: counts the threads that are started, or starts none.
+extern "C" __attribute__((visibility("default"))) uint32_t zq__beginthread(
+    zq_ThreadFunction function, void* argument, const zq_ThreadAttributes* attributes, const char* file,
+    int line) {
+  static const auto next = reinterpret_cast<decltype(&zq__beginthread)>(dlsym(RTLD_NEXT, "zq__beginthread"));
+  if (g_noMore) return 0;
+  ++g_started;
+  return next(function, argument, attributes, file, line);
+}
 
 namespace {
 
@@ -50,6 +70,29 @@ TEST_F(ApplogTest, ARecordIsALine) {
             "2026-11-21T09:00:00Z\tClock\talarm set\t7:00\n"
             "2026-11-21T09:01:01Z\tPhone\tcall\t-\n"
             "2026-11-21T09:01:01Z\t\t\t\n");
+}
+
+TEST_F(ApplogTest, ASessionWithoutARecordStartsNoThread) {
+  g_started = 0;
+  EXPECT_EQ(Session([] {}), "");
+  EXPECT_EQ(g_started, 0);
+  Session([] { Log("one"); });
+  EXPECT_EQ(g_started, 1);
+  Session([] {
+    Log("two");
+    Log("three");
+  });
+  EXPECT_EQ(g_started, 2);
+}
+
+TEST_F(ApplogTest, ARecordThatNoThreadCanTakeIsCounted) {
+  const std::string lines = Session([] {
+    g_noMore = true;
+    EXPECT_EQ(Log("lost"), -1);
+    g_noMore = false;
+    EXPECT_EQ(Log("kept"), 0);
+  });
+  EXPECT_EQ(lines, std::string(kStamp) + "-\trecords lost\t1\n" + kStamp + "app\tkept\t-\n");
 }
 
 TEST_F(ApplogTest, NoTextBreaksALine) {
