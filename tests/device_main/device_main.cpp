@@ -22,7 +22,8 @@ std::filesystem::path DeviceParent() {
 // What a person's shell may say to the module and to the libraries below it: a test says it itself.
 constexpr const char* kShellsWords[] = {
     "ZQ_CONFIG_DIR", "ZQ_CA_FILE", "ZQ_TRACE_LEVEL", "ZQ_NVRAM_CONFIG",  "http_proxy",
-    "no_proxy",      "DISPLAY",    "OPENSSL_CONF",   "ALSA_CONFIG_PATH", "OPENSSL_MODULES"};
+    "no_proxy",      "DISPLAY",    "OPENSSL_CONF",   "ALSA_CONFIG_PATH", "OPENSSL_MODULES",
+    "TMPDIR",        "TMP",        "TEMP",           "TEMPDIR"};
 
 int RunOnDevice(char** argv) {
   const TempDir folder(DeviceParent());
