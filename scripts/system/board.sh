@@ -157,15 +157,33 @@ clock_set() {
   date "$1" >/dev/null || return 1
   ! command -v hwclock >/dev/null || hwclock -w
 }
+# True for busybox's ntpd: to others of that name -p is no server.
+has_ntpd() {
+  ntpd --help 2>&1 | grep -q BusyBox
+}
+# True where systemd keeps the time. Its folder of settings is gone after a reboot.
+has_timesyncd() {
+  [ -d "${TIMESYNCD_DIR%/*}" ] && systemctl cat systemd-timesyncd >/dev/null 2>&1
+}
+TIMESYNCD_DIR=/run/systemd/timesyncd.conf.d
 # ntp_start PRIMARY SECONDARY: from now on.
 ntp_start() {
-  mkdir -p "$RUN_DIR" || return 1
-  command -v ntpd >/dev/null || return 1
-  ntpd -n -p "$1" -p "$2" < /dev/null >/dev/null 2>&1 &
-  echo $! > "$RUN_DIR/ntp.pid"
+  if has_ntpd; then
+    mkdir -p "$RUN_DIR" || return 1
+    ntpd -n -p "$1" -p "$2" < /dev/null >/dev/null 2>&1 &
+    echo $! > "$RUN_DIR/ntp.pid"
+  elif has_timesyncd; then
+    mkdir -p "$TIMESYNCD_DIR" || return 1
+    printf '[Time]\nNTP=%s %s\nFallbackNTP=\n' "$1" "$2" > "$TIMESYNCD_DIR/zqutil.conf" || return 1
+    # Without waiting: at boot it may itself have to wait for who calls this.
+    systemctl --no-block restart systemd-timesyncd
+  else
+    return 1
+  fi
 }
 ntp_stop() {
   stop_client ntp
+  if ! has_ntpd && has_timesyncd; then systemctl --no-block stop systemd-timesyncd; fi
 }
 
 # board_reboot: restarts the device.

@@ -66,6 +66,43 @@ module_server() {
 same "the first server" "$(module_server Primary)" "$NTP_PRIMARY"
 same "the second server" "$(module_server Secondary)" "$NTP_SECONDARY"
 
+# Who keeps the time, by programs in the place of the board's that write down what they are told.
+mkdir "$folder/bin" "$folder/systemd"
+told() { cat "$folder/told" 2>/dev/null; rm -f "$folder/told"; }
+# program NAME LINES
+program() {
+  printf '#!/bin/sh\n%s\n' "$2" > "$folder/bin/$1"
+  chmod +x "$folder/bin/$1"
+}
+# shellcheck disable=SC2016
+(
+  PATH=$folder/bin:$PATH RUN_DIR=$folder/run TIMESYNCD_DIR=$folder/systemd/timesyncd.conf.d
+  program ntpd 'echo ntpsec ntpd'
+  program systemctl 'case $1 in cat) exit 1 ;; *) echo "systemctl $*" >> '"$folder/told ;; esac"
+  ntp_start first second && same "another ntpd, and none of systemd's" refused started
+  program systemctl 'case $1 in cat) ;; *) echo "systemctl $*" >> '"$folder/told ;; esac"
+  ntp_start first second || same "the time by systemd" started refused
+  same "systemd's settings" "[Time]
+NTP=first second
+FallbackNTP=" "$(cat "$TIMESYNCD_DIR/zqutil.conf")"
+  same "systemd's service starts" "systemctl --no-block restart systemd-timesyncd" "$(told)"
+  ntp_stop
+  same "systemd's service stops" "systemctl --no-block stop systemd-timesyncd" "$(told)"
+  program ntpd '[ "$1" = --help ] && { echo BusyBox v1.35.0 >&2; exit 1; }; echo "ntpd $*" >> '"$folder/told; exec sleep 60"
+  ntp_start first second || same "the time by busybox" started refused
+  # shellcheck disable=SC2317
+  is_told() { [ -s "$folder/told" ]; }
+  await 20 is_told
+  same "busybox's servers" "ntpd -n -p first -p second" "$(told)"
+  client=$(cat "$RUN_DIR/ntp.pid")
+  ntp_stop
+  # shellcheck disable=SC2317
+  ended() { ! kill -0 "$client" 2>/dev/null; }
+  await 20 ended || same "busybox's client ends" ended goes
+  same "systemd is not asked" '' "$(told)"
+  exit "$failed"
+) || failed=1
+
 echo old > "$folder/kept"
 ln -s kept "$folder/link"
 echo new | replace_file "$folder/link"
