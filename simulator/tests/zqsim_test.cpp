@@ -106,6 +106,16 @@ TEST_F(Zqsim, LeavesAnExistingDeviceAsItIs) {
   EXPECT_EQ(Listing(), "etc/\netc/firmware.ver\n");
 }
 
+TEST_F(Zqsim, SaysThatADeviceOfAnotherProfileStaysAsItIs) {
+  EXPECT_EQ(Create(Root()), "0 ");
+  const ProgramResult bare = DeviceTest::Zqsim({"create", Root(), "--profile", "bare"});
+  EXPECT_EQ(bare.status, 0);
+  EXPECT_EQ(bare.errors,
+            "zqsim: " + std::string(Root()) + " is there already, made as home-phone, and stays as it is\n");
+  EXPECT_EQ(DeviceTest::Zqsim({"create", Root(), "--profile", "home-phone"}).errors, "");
+  EXPECT_EQ(Shell("cat /etc/client.tag"), "home-phone\n");
+}
+
 TEST_F(Zqsim, MakesTheDeviceInAnEmptyFolderAndInOneThatIsMissingWithItsParents) {
   fs::create_directories(folder_ / "empty");
   EXPECT_EQ(Create(folder_ / "empty"), "0 ");

@@ -82,3 +82,9 @@ bool PrepareDevice(const fs::path& folder, const fs::path& profile, fs::path& ro
   }
   return FillFolder(root, profile, error);
 }
+
+std::string ProfileOf(const fs::path& root) {
+  std::string name;
+  std::ifstream(root / kMarker) >> name;
+  return name;
+}

@@ -12,4 +12,7 @@
 bool PrepareDevice(const std::filesystem::path& folder, const std::filesystem::path& profile,
                    std::filesystem::path& root, std::string& error);
 
+// The profile that the device was made from; "" when nothing says so.
+std::string ProfileOf(const std::filesystem::path& root);
+
 #endif

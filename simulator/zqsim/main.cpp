@@ -38,6 +38,7 @@ constexpr const char* kDefaultProfile = "home-phone";
 struct Request {
   std::string folder;
   std::string profile = kDefaultProfile;
+  bool named = false;  // the caller said which profile
   bool system = false;
   bool supervised = false;
   std::vector<std::string> command;
@@ -63,8 +64,10 @@ std::string ReadRequest(const std::vector<std::string>& words, Request& request)
     if (words[i] == "--profile") {
       if (++i == words.size()) return "--profile needs a name";
       request.profile = words[i];
+      request.named = true;
     } else if (words[i].starts_with("--profile=")) {
       request.profile = words[i].substr(strlen("--profile="));
+      request.named = true;
     } else if (words[i] == "--system") {
       request.system = true;
     } else if (words[i] == "--supervised") {
@@ -88,7 +91,13 @@ bool Prepare(const Request& request, const Places& places, fs::path& root, std::
     for (const std::string& name : ProfileNames(places.profiles)) error += " " + name;
     return false;
   }
-  return PrepareDevice(request.folder, profile, root, error);
+  if (!PrepareDevice(request.folder, profile, root, error)) return false;
+  const std::string is = ProfileOf(root);
+  if (request.named && !is.empty() && is != request.profile) {
+    fprintf(stderr, "zqsim: %s is there already, made as %s, and stays as it is\n", request.folder.c_str(),
+            is.c_str());
+  }
+  return true;
 }
 
 int ListProfiles(const Places& places) {
