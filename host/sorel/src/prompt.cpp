@@ -5,21 +5,16 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cctype>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <set>
 #include <string>
-#include <string_view>
 #include <utility>
-#include <vector>
 
-#include "completion.h"
 #include "errors.h"
 #include "js_text.h"
-#include "method_help.h"
 #include "output.h"
+#include "prompt_commands.h"
+#include "prompt_completion.h"
 #include "readline_library.h"
 #include "runtime.h"
 #include "script.h"
@@ -35,26 +30,14 @@ constexpr char kPrompt[] = "> ";
 // After a line that only more lines can complete.
 constexpr char kMorePrompt[] = "... ";
 constexpr int kHistoryLines = 1000;
-constexpr char kHelp[] =
-    "Type a piece of script; its value is shown. One that is not finished goes on in the next line; Ctrl-C "
-    "drops it.\n"
-    "Tab completes names and, after a dot, methods; after \"(\" it shows the arguments.\n"
-    "  new ZQUtil()   the device's services, by methods of this object\n"
-    "  load(\"FILE\")   run a script      exit(STATUS)   end\n"
-    "  .help          this              .help METHOD   what a method does\n"
-    "  .exit          end, as Ctrl-D does";
-constexpr char kHelpOfMethod[] = ".help ";
 // Wider values are shown an element a line.
 constexpr int kLeastWidth = 40;
 constexpr int kBySignal = 128;
 
 // readline's callbacks carry no data: the one prompt of the process.
 JSContextRef g_context = nullptr;
-std::vector<std::string> g_candidates;
-std::vector<MethodHelp> g_help;
 termios g_terminal{};
 std::string g_begun;                // lines of a piece of script that is not finished
-std::set<std::string> g_declared;   // by const, let and class, in what was typed
 std::atomic<bool> g_typing{false};  // something is typed that a key may drop
 std::atomic<bool> g_drop{false};    // it shall be dropped
 std::atomic<bool> g_retake{false};  // another process may have changed the terminal
@@ -85,7 +68,7 @@ void EvaluateTyped(const std::string& script) {
   } else if (!JSValueIsUndefined(g_context, value)) {
     WriteLine(Show(g_context, value, ScreenWidth()), false);
   }
-  for (const std::string& name : DeclaredNames(script)) g_declared.insert(name);
+  RememberDeclared(script);
 }
 
 void AddLine(const std::string& line) {
@@ -111,31 +94,6 @@ void DropTyped() {
   g_typing.store(false);
 }
 
-void ShowHelpOf(std::string name) {
-  name.erase(0, name.find_first_not_of(" \t"));
-  // "util.getIP()" as well as "getIP"
-  name = name.substr(0, name.find_first_of("( \t"));
-  name = name.substr(name.rfind('.') + 1);
-  const MethodHelp* const help = FindHelp(g_help, name);
-  WriteLine(help != nullptr ? ShowHelp(*help)
-                            : "no help for \"" + name + "\": type .help and Tab for what there is",
-            false);
-}
-
-// What begins with a dot and a letter is the prompt's own.
-void Command(std::string line) {
-  line.erase(line.find_last_not_of(" \t") + 1);
-  if (line == ".exit") {
-    Runtime::Get().RequestExit(EXIT_SUCCESS);
-  } else if (line == ".help") {
-    WriteLine(kHelp, false);
-  } else if (line.starts_with(kHelpOfMethod)) {
-    ShowHelpOf(line.substr(sizeof kHelpOfMethod - 1));
-  } else {
-    WriteLine("no command " + line + ": .help says what there is", false);
-  }
-}
-
 void OnLine(char* typed) {
   g_typing.store(false);
   if (typed == nullptr) {
@@ -149,67 +107,12 @@ void OnLine(char* typed) {
   const bool blank = line.find_first_not_of(" \t") == std::string::npos;
   if (!blank) add_history(line.c_str());
   if (g_begun.empty() && blank) return;
-  if (g_begun.empty() && line[0] == '.' && line.size() > 1 &&
-      isalpha(static_cast<unsigned char>(line[1])) != 0)
-    Command(line);
+  if (g_begun.empty() && IsCommand(line))
+    RunCommand(line);
   else
     AddLine(line);
   // The next prompt is shown by readline itself.
   TakeDisturbed();
-}
-
-char* NextCandidate(const char*, int state) {
-  static size_t next = 0;
-  if (state == 0) next = 0;
-  return next < g_candidates.size() ? strdup(g_candidates[next++].c_str()) : nullptr;
-}
-
-// Shows the arguments of the function that the line is about to call; false when it is about to call none that there
-// is help for.
-bool ShowArguments(std::string_view line) {
-  const std::string called = CalledFunction(line);
-  const MethodHelp* const help = called.empty() ? nullptr : FindHelp(g_help, called);
-  if (help == nullptr || help->name != called) return false;
-  fprintf(SOREL_READLINE(rl_outstream), "\n  %s\n", help->signature.c_str());
-  rl_on_new_line();
-  rl_redisplay();
-  return true;
-}
-
-char** Complete(const char* word, int start, int end) {
-  SOREL_READLINE(rl_attempted_completion_over) = 1;
-  SOREL_READLINE(rl_completion_append_character) = '\0';
-  const std::string_view line(SOREL_READLINE(rl_line_buffer), static_cast<size_t>(end));
-  const Unfinished unfinished = FindUnfinished(line);
-  if (ShowArguments(line)) return nullptr;
-  // What readline takes for the word ends in our prefix, and may begin with the object.
-  const std::string before(word, static_cast<size_t>(end - start) - unfinished.prefix.size());
-  g_candidates.clear();
-  if (std::string_view(SOREL_READLINE(rl_line_buffer)).starts_with(kHelpOfMethod)) {
-    for (const MethodHelp& help : g_help) {
-      if (help.name.starts_with(unfinished.prefix)) g_candidates.push_back(before + help.name);
-    }
-  } else {
-    for (const std::string& name : PropertyNames(g_context, unfinished))
-      g_candidates.push_back(before + name);
-    for (const std::string& name : g_declared) {
-      if (unfinished.object.empty() && name.starts_with(unfinished.prefix) && Exists(g_context, name))
-        g_candidates.push_back(before + name);
-    }
-  }
-  return rl_completion_matches(word, NextCandidate);
-}
-
-// The candidates, a line each, with the arguments of those that there is help for.
-void ShowCandidates(char** matches, int count, int /*longest*/) {
-  std::string shown;
-  for (int i = 1; i <= count; ++i) {
-    const std::string name = std::string(matches[i]).substr(std::string(matches[i]).rfind('.') + 1);
-    const MethodHelp* const help = FindHelp(g_help, name);
-    shown += "\n  " + (help != nullptr && help->name == name ? help->signature : name);
-  }
-  fprintf(SOREL_READLINE(rl_outstream), "%s\n", shown.c_str());
-  rl_forced_update_display();
 }
 
 void TakeTerminal() {
@@ -217,9 +120,6 @@ void TakeTerminal() {
   at_quick_exit(RestoreTerminal);
   SOREL_READLINE(rl_readline_name) = "sorel";
   SOREL_READLINE(rl_catch_signals) = 0;
-  SOREL_READLINE(rl_attempted_completion_function) = Complete;
-  SOREL_READLINE(rl_completion_display_matches_hook) = ShowCandidates;
-  SOREL_READLINE(rl_completer_word_break_characters) = " \t\n\"'`()[]{}<>=+-*/%&|^!~?:;,";
 }
 
 void ReadKey() {
@@ -249,8 +149,8 @@ void RunPrompt(JSContextRef context, Loop& loop) {
     return;
   }
   g_context = context;
-  g_help = ReadTypingsFolder(TypingsFolder());
   TakeTerminal();
+  SetUpCompletion(context);
   const std::string history = HistoryFile();
   using_history();
   stifle_history(kHistoryLines);
