@@ -6,7 +6,7 @@
 
 namespace sorel {
 
-// All drafts of the batch have their objects, which the caller keeps alive. Engine lock, script thread.
+// All drafts of the batch have their objects, which the caller keeps alive. Engine lock; the thread that has drafts.
 void FillDrafts(JSContextRef context, const DraftBatch& batch);
 
 }  // namespace sorel

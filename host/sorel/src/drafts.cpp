@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 
 #include "draft_filler.h"
 #include "property_names.h"
@@ -10,6 +11,20 @@
 
 namespace sorel {
 namespace {
+
+// All that is below is the thread's that has drafts. Scopes of this thread that took some:
+constinit thread_local int t_taken = 0;
+std::atomic<bool> g_taken = false;
+
+bool BecomeTheOne() {
+  if (t_taken == 0 && g_taken.exchange(true, std::memory_order_acquire)) return false;
+  ++t_taken;
+  return true;
+}
+
+void CeaseToBeTheOne() {
+  if (--t_taken == 0) g_taken.store(false, std::memory_order_release);
+}
 
 // Handles that the table has set aside for drafts.
 std::vector<Word>& SpareHandles() {
@@ -71,9 +86,11 @@ const Draft* FindDraft(const DraftBatch& batch, Word handle) {
 void Drafts::Recycle::operator()(Drafts* drafts) const {
   drafts->Drop();
   Recycled().emplace_back(drafts);
+  CeaseToBeTheOne();
 }
 
 Drafts::Owner Drafts::Take() {
+  if (!BecomeTheOne()) return nullptr;
   if (Recycled().empty()) return Owner(new Drafts);
   Owner drafts(Recycled().back().release());
   Recycled().pop_back();

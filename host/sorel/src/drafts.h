@@ -1,9 +1,8 @@
 // Objects and arrays that a native method is making.
 //
 // Each call into the engine takes its lock and costs more than what it does, and a list of records is thousands of
-// them. So what a native method on the script thread makes is only written down, and the engine makes all of it at
-// once when somebody may look at it: when a draft's handle reaches any service but those that fill drafts, or is the
-// method's answer. A draft that nobody asked for until its method returned is dropped: nothing can name it any more.
+// them. So what a native method makes is only written down, and the engine makes all of it at once when somebody may look
+// at it: when a draft's handle reaches any service but those that fill drafts, or is the method's answer. A draft that nobody asked for until its method returned is dropped: nothing can name it any more.
 //
 //   NewObject, NewArray -> draft -> SetProperty, SetElement with plain values and other drafts -> draft
 //                          draft -> anything else -> all drafts of the method are objects of the engine
@@ -44,7 +43,8 @@ struct DraftBatch {
 // Null for a handle that is no draft's of the batch.
 const Draft* FindDraft(const DraftBatch& batch, Word handle);
 
-// Of one native method's call. Script thread.
+// Of one native method's call, or one request of a module's thread. One thread at a time has drafts: until the outermost
+// of its scopes that took some has ended, what others make are objects at once.
 class Drafts {
  public:
   struct Recycle {
@@ -52,7 +52,7 @@ class Drafts {
   };
   using Owner = std::unique_ptr<Drafts, Recycle>;
 
-  // Without drafts; those there are when it is recycled are dropped.
+  // Without drafts; those there are when it is recycled are dropped. Null while another thread has some.
   static Owner Take();
 
   // The handle of a new draft; 0 when handles run out.

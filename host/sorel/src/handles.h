@@ -79,7 +79,7 @@ class HandleTable {
   // Frees the entries of collected objects; those of module objects are returned, in the order of
   // construction, to be finalized and released. Script thread, engine lock.
   std::vector<Finalization> TakeCollected();
-  // Frees those that are no module objects'. Script thread, engine lock.
+  // Frees those that are no module objects'. Engine lock.
   void DropCollected();
   // All module objects that are left, as if collected. Script thread, engine lock.
   std::vector<Finalization> TakeAll();

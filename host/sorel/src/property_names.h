@@ -1,4 +1,4 @@
-// Names of properties by number: a module sets few names, again and again. Script thread.
+// Names of properties by number: a module sets few names, again and again. The thread that has drafts.
 #ifndef SOREL_PROPERTY_NAMES_H
 #define SOREL_PROPERTY_NAMES_H
 

@@ -144,15 +144,14 @@ const char* Scope::AddText(const char* bytes, size_t length) {
   return arena_.Add(bytes, length);
 }
 
-Drafts* Scope::DraftsOfCall() {
-  if (!OnScriptThread() || t_innermost == nullptr) return nullptr;
+Drafts* Scope::NewDrafts() {
+  if (t_innermost == nullptr) return nullptr;
   Drafts::Owner& drafts = t_innermost->drafts_;
   if (drafts == nullptr) drafts = Drafts::Take();
   return drafts.get();
 }
 
 void Scope::SettleDraft(Word handle) {
-  if (!OnScriptThread()) return;
   for (Scope* scope = t_innermost; scope != nullptr; scope = scope->outer_) {
     if (scope->drafts_ != nullptr && scope->drafts_->Has(handle)) {
       scope->drafts_->Settle(scope->context_, *scope);

@@ -42,8 +42,10 @@ class Scope {
   static const Entry* Find(Word handle);
   // Should the handle be of a draft of a method that runs: makes all of that method's drafts objects.
   static void SettleDraft(Word handle);
-  // The drafts of the call that the script thread is in; null elsewhere.
-  static Drafts* DraftsOfCall();
+  // For what the call or request that the thread is in makes; null outside, and while another thread has drafts.
+  static Drafts* NewDrafts();
+  // The same, if there are any.
+  static Drafts* DraftsInHand() { return Innermost() != nullptr ? Innermost()->drafts_.get() : nullptr; }
 
   // The caller keeps the value alive as long as the scope.
   Word AddRooted(JSValueRef value);

@@ -69,8 +69,8 @@ int32_t ServiceDefineMethod(void* object, const char* name, zq_NativeMethod meth
 
 int32_t ServiceSetElement(void* array, uint32_t index, zq_Value* value) {
   Runtime& runtime = Runtime::Get();
-  if (value == nullptr) return 0;
-  Drafts* const drafts = Scope::DraftsOfCall();
+  if (value == nullptr || !runtime.Serves()) return 0;
+  Drafts* const drafts = Scope::DraftsInHand();
   if (drafts != nullptr && drafts->SetElement(WordOf(array), index, *value)) return 1;
   const ScriptTurn turn;
   if (!runtime.Serves()) return 0;
@@ -85,8 +85,8 @@ int32_t ServiceSetElement(void* array, uint32_t index, zq_Value* value) {
 
 int32_t ServiceSetProperty(void* object, const char* name, zq_Value* value) {
   Runtime& runtime = Runtime::Get();
-  if (name == nullptr || value == nullptr) return 0;
-  Drafts* const drafts = Scope::DraftsOfCall();
+  if (name == nullptr || value == nullptr || !runtime.Serves()) return 0;
+  Drafts* const drafts = Scope::DraftsInHand();
   if (drafts != nullptr && drafts->SetProperty(WordOf(object), name, *value)) return 1;
   const ScriptTurn turn;
   if (!runtime.Serves()) return 0;

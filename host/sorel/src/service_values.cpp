@@ -85,7 +85,8 @@ int32_t ServiceNewString(const char* bytes, uint32_t length, zq_Value* value) {
 
 void* ServiceNewArray(uint32_t length, zq_Value* elements) {
   Runtime& runtime = Runtime::Get();
-  Drafts* const drafts = elements == nullptr ? Scope::DraftsOfCall() : nullptr;
+  if (!runtime.Serves()) return nullptr;
+  Drafts* const drafts = elements == nullptr ? Scope::NewDrafts() : nullptr;
   if (drafts != nullptr) return PointerOf(drafts->Add(true));
   const ScriptTurn turn;
   if (!runtime.Serves()) return nullptr;
@@ -104,7 +105,7 @@ void* ServiceNewArray(uint32_t length, zq_Value* elements) {
 void* ServiceNewObject() {
   Runtime& runtime = Runtime::Get();
   if (!runtime.Serves()) return nullptr;
-  if (Drafts* const drafts = Scope::DraftsOfCall()) return PointerOf(drafts->Add(false));
+  if (Drafts* const drafts = Scope::NewDrafts()) return PointerOf(drafts->Add(false));
   const EngineLock lock;
   return HandleOfNew(runtime.Context(), JSObjectMake(runtime.Context(), nullptr, nullptr));
 }

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "js_text.h"
-#include "script_thread.h"
+#include "runtime.h"
 
 namespace sorel {
 namespace {
@@ -58,15 +58,16 @@ class Place {
   ShortText text_;
 };
 
-// The script thread's.
+// Guarded by the engine's lock.
 constinit std::array<Place, 1024> g_places{};
 
 }  // namespace
 
 JSValueRef ValueOfText(JSContextRef context, const char* text, size_t length) {
-  if (length >= ShortText::kLongest || !OnScriptThread()) return Make(context, text, length);
+  if (length >= ShortText::kLongest) return Make(context, text, length);
   const ShortText key(text, length);
   const uint64_t hash = key.Hash();
+  const EngineLock lock;
   return g_places[hash % g_places.size()].Value(context, key, hash, length);
 }
 

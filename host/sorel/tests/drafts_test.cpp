@@ -167,6 +167,37 @@ TEST_F(Drafts, OtherThreadsGetThemOnceTheEngineHasThem) {
             "refused: 1\nrefused:, 1\n");
 }
 
+TEST_F(Drafts, AListenerOnAnotherThreadGetsListsToo) {
+  for (const char* first :
+       {"argument l 1; handle l; ", "object mine; int mine A 1; argument l 1; handle l; "}) {
+    EXPECT_EQ(Of("const seen = [];\n"
+                 "const listener = { on(o) {\n"
+                 "  const l = b.run('many l 50; answer l');\n"
+                 "  gc();\n"
+                 "  seen.push(o.Of, l.length, l.every((e, i) => e.A === 'a' + i && e.B === i));\n"
+                 "} };\n"
+                 "print(b.run('" +
+                 std::string(first) +
+                 "from l on; from l on; array m; text t x; element m 0 t; class kept m', listener));\n"
+                 "print(seen, Builder.kept, b.run('many l 50; answer l').length);"),
+              "refused:\na worker,50,true,a worker,50,true x 50\n");
+  }
+}
+TEST_F(Drafts, ThreadsMakeListsAtOnce) {
+  EXPECT_EQ(Of("let right = 0;\n"
+               "const whole = (l) => l.length === 40 && l.every((o, i) => o.A === 'a' + i);\n"
+               "const listener = { on(o) {\n"
+               "  const fine = whole(b.run('many w 40; answer w')) && o.Of === 'a worker';\n"
+               "  if (fine) right += 1;\n"
+               "} };\n"
+               "b.run('argument l 1; handle l; class kept l; storm l on 200', listener);\n"
+               "let mine = 0;\n"
+               "for (let i = 0; i < 200; ++i) mine += whole(b.run('many m 40; answer m')) ? 1 : 0;\n"
+               "b.run('calm');\n"
+               "print(mine, right);"),
+            "200 400\n");
+}
+
 TEST_F(Drafts, SettersOfAScriptAreHonoured) {
   EXPECT_EQ(
       Of("const got = [];\n"

@@ -34,8 +34,8 @@ typedef int32_t (*zq_DefineMethod)(void* object, const char* name, zq_NativeMeth
 typedef int32_t (*zq_ValueToInt)(zq_Value value, int32_t* integer);
 // 1 on success; 0 and the handle untouched when the value is no object.
 typedef int32_t (*zq_ValueToObject)(zq_Value value, void** object);
-// What a native method makes with NewArray and NewObject is its own thread's alone until the method has returned it, or
-// handed it to a listener or to an object that was there before.
+// What a native method, or a thread within a request, makes with NewArray and NewObject is its own thread's alone until
+// the method has returned it, or it was handed to a listener or to an object that was there before.
 //
 // A new empty array, or null. `length` 0 and `elements` null are what modules pass.
 typedef void* (*zq_NewArray)(uint32_t length, zq_Value* elements);

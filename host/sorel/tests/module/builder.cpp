@@ -4,6 +4,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "services.h"
 #include "words.h"
@@ -13,8 +14,9 @@
 namespace probe {
 namespace {
 
-// What commands call by a name. Kept from call to call, as modules keep handles in fields.
-std::map<std::string, zq_Value> g_values;
+// What commands call by a name. Kept from call to call, as modules keep handles in fields; each thread has its own.
+thread_local std::map<std::string, zq_Value> g_values;
+std::vector<std::thread> g_storm;
 
 void* Handle(const std::string& name) {
   return reinterpret_cast<void*>(g_values[name]);
@@ -44,6 +46,17 @@ void MakeMany(std::istream& words) {
     SetProperty(object, "D", ZQ_VALUE_VOID);
     SetElement(name, i, ValueOf(object));
   }
+}
+
+// As a thread of a module's own: calls the listener's method with an object.
+int32_t CallWithinRequest(void* listener, const std::string& method) {
+  g_services.Get<zq_BeginRequest>(ZQ_SLOT_BEGIN_REQUEST)(g_services.ClassObject());
+  void* const made = g_services.Get<zq_NewObject>(ZQ_SLOT_NEW_OBJECT)();
+  SetProperty(made, "Of", NewText("a worker"));
+  zq_Value argument = ValueOf(made);
+  const int32_t called = Call(listener, method.c_str(), 1, &argument, nullptr);
+  g_services.Get<zq_EndRequest>(ZQ_SLOT_END_REQUEST)(g_services.ClassObject());
+  return called;
 }
 
 // 1 or 0, as the services answer.
@@ -105,11 +118,33 @@ int32_t Do(const std::string& command, std::istream& words, uint32_t argc, const
     zq_Value argument = g_values[text];
     return Call(Handle(name), key.c_str(), 1, &argument, &g_values[text]);
   }
+  if (command == "from") {  // LISTENER METHOD: another thread calls that, while this one waits
+    words >> key;
+    int32_t called = 0;
+    std::thread([&called, &key, listener = Handle(name)] {
+      called = CallWithinRequest(listener, key);
+    }).join();
+    return called;
+  }
+  if (command == "storm") {  // LISTENER METHOD COUNT: two threads call that so often, and nobody waits
+    words >> key >> number;
+    for (int thread = 0; thread < 2; ++thread) {
+      g_storm.emplace_back([key, number, listener = Handle(name)] {
+        for (int i = 0; i < number; ++i) CallWithinRequest(listener, key);
+      });
+    }
+    return 1;
+  }
+  if (command == "calm") {  // waits for that to end
+    for (std::thread& thread : g_storm) thread.join();
+    g_storm.clear();
+    return 1;
+  }
   if (command == "worker") {  // OBJECT: another thread sets its property "W"
     int32_t served = 0;
-    std::thread([&] {
+    std::thread([&served, object = Handle(name)] {
       g_services.Get<zq_BeginRequest>(ZQ_SLOT_BEGIN_REQUEST)(g_services.ClassObject());
-      served = SetProperty(Handle(name), "W", ZQ_VALUE_FROM_INT(1));
+      served = SetProperty(object, "W", ZQ_VALUE_FROM_INT(1));
       g_services.Get<zq_EndRequest>(ZQ_SLOT_END_REQUEST)(g_services.ClassObject());
     }).join();
     return served;
