@@ -38,6 +38,8 @@ int RunOnDevice(char** argv) {
   const int status = AwaitChild(InChild([&] {
     // GoogleTest's other way to start a process for a death test gives it two pages of stack.
     setenv("GTEST_DEATH_TEST_USE_FORK", "1", 1);
+    // The caller's folder need not be on the device, whose own is /tmp.
+    for (const char* const name : {"TMPDIR", "TMP", "TEMP", "TEMPDIR"}) unsetenv(name);
     for (const char* const word : kShellsWords) unsetenv(word);
     execv(words[0], words.data());
     std::perror(words[0]);
