@@ -5,7 +5,8 @@ const end = (name) => ['onConnectSuccess', 'onConnectFailure', 'onFailedAssociat
 const listener = {};
 for (const name of ['onAssociation', 'onFailedAssociation', 'onBeginDHCP', 'onDoneDHCP', 'onBeginConnectivityCheck', 'onConnectSuccess', 'onConnectFailure']) {
   listener[name] = () => {
-    heard.push(name);
+    // An address is told of again when the interfaces change further: how often is a matter of the moment.
+    if (name !== 'onDoneDHCP' || heard.at(-1) !== name) heard.push(name);
     if (!end(name)) return;
     print(heard.join(' '));
     print(util.getIP(), util.getSubnetMask(), util.getGateway(), util.getPrimaryDNS());
