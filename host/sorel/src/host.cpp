@@ -55,7 +55,6 @@ bool Host::Start(const Options& options, std::string* error) {
   HoldSignals();
   SetUpOutput();
   BecomeScriptThread();
-  g_turn.Prepare();
   Runtime::Create();
   Runtime& runtime = Runtime::Get();
   CatchSignals({RestoreTerminal, DropTypedLine, RetakeTerminal});

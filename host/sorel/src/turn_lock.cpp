@@ -1,9 +1,5 @@
 #include "turn_lock.h"
 
-#include <linux/membarrier.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-
 #include <condition_variable>
 
 namespace sorel {
@@ -15,18 +11,9 @@ struct TurnLock::Waiter {
   std::condition_variable changed{};
 };
 
-void TurnLock::Prepare() {
-  barriers_ = syscall(SYS_membarrier, MEMBARRIER_CMD_REGISTER_PRIVATE_EXPEDITED, 0, 0) == 0;
-}
-
-void TurnLock::ComeAmongOthers() {
-  if (OnScriptThread() || others_.fetch_add(1) != 0 || !barriers_) return;
-  syscall(SYS_membarrier, MEMBARRIER_CMD_PRIVATE_EXPEDITED, 0, 0);
-}
-
 bool TurnLock::Await(uint32_t pauses) {
   std::unique_lock lock(mutex_);
-  if (pauses == kAnyPauses) ComeAmongOthers();
+  if (pauses == kAnyPauses && !OnScriptThread()) others_.fetch_add(1);
   Waiter self{pauses};
   Waiter** end = &first_;
   while (*end != nullptr) end = &(*end)->next;

@@ -10,8 +10,8 @@
 // which then waits behind it. So a loop of method calls keeps no listener waiting, nor the other way round.
 //
 // The script thread has the lock nearly always, and pauses for each method that a script calls. As long as no other
-// thread is about, it does so by its own word alone, without an atomic exchange; a thread that comes tells it first
-// (others_), and makes sure by a barrier on all processors that both cannot have missed each other.
+// thread is about, it does so by its own word alone, without the mutex: it writes the word and reads whether there are
+// others, a thread that comes says that it is there and reads the word, so that not both can miss each other.
 #ifndef SOREL_TURN_LOCK_H
 #define SOREL_TURN_LOCK_H
 
@@ -25,21 +25,18 @@ namespace sorel {
 
 class TurnLock {
  public:
-  // By the script thread, before there are others.
-  void Prepare();
-
   // False when it would have had to wait, and nobody may any more.
   bool Enter() { return (OnScriptThread() && TakeAlone()) || Await(kAnyPauses); }
   void Leave() {
     if (!HeldAlone()) return LeaveAmongOthers();
-    Publish(own_.load(std::memory_order_relaxed) - kHeld);
+    own_.exchange(own_.load(std::memory_order_relaxed) - kHeld);
     if (others_.load() != 0) Serve();
   }
   // What Resume takes; never 0.
   uint32_t Pause() {
     if (!HeldAlone()) return PauseAmongOthers();
     const uint32_t word = own_.load(std::memory_order_relaxed) - kHeld + kPause;
-    Publish(word);
+    own_.exchange(word);
     if (others_.load() != 0) Serve();
     return word / kPause;
   }
@@ -65,29 +62,18 @@ class TurnLock {
   // The script thread: true, and it has the lock, when no other thread is about.
   bool TakeAlone() {
     const uint32_t word = own_.load(std::memory_order_relaxed);
-    Publish(word + kHeld);
+    own_.exchange(word + kHeld);
     if (others_.load() == 0) return true;
     own_.store(word, std::memory_order_release);
     return false;
   }
-  // The caller, who reads others_ next, sees there each thread that does not see `word`.
-  void Publish(uint32_t word) {
-    if (barriers_) {
-      own_.store(word, std::memory_order_release);
-      std::atomic_signal_fence(std::memory_order_seq_cst);
-    } else {
-      own_.exchange(word);
-    }
-  }
-
   void LeaveAmongOthers();
   uint32_t PauseAmongOthers();
   // Until the lock is free, with as many pauses as `pauses` says, and the caller's.
   bool Await(uint32_t pauses);
   void Serve();
 
-  // With the mutex. From here on, until the others are gone, the script thread uses the mutex, too.
-  void ComeAmongOthers();
+  // With the mutex.
   uint32_t Pauses() const { return own_.load() / kPause + pausesOfOthers_; }
   // Hands a free lock to the first that can have it.
   void HandOver();
@@ -95,9 +81,8 @@ class TurnLock {
 
   // Of the script thread: its pauses, and whether it holds the lock without the mutex.
   std::atomic<uint32_t> own_{0};
-  // Other threads that hold the lock, have paused, or wait. From 0 with a barrier on all processors.
+  // Other threads that hold the lock, have paused, or wait.
   std::atomic<uint32_t> others_{0};
-  bool barriers_ = false;  // the system has such barriers
 
   std::mutex mutex_;
   bool held_ = false;            // by whichever thread, among others

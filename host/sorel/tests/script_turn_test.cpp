@@ -82,19 +82,12 @@ class Player {
   std::thread thread_;
 };
 
-// Which of the players is the script thread, which has ways of its own, and whether the system has barriers on all
-// processors for them.
-struct Roles {
-  int scriptThread;
-  bool barriers;
-};
-
-class Turn : public testing::TestWithParam<Roles> {
+// The parameter says which of the players is the script thread, which has ways of its own.
+class Turn : public testing::TestWithParam<size_t> {
  protected:
   Turn() {
-    if (GetParam().barriers) lock.Prepare();
     const std::vector<Player*> players = {&first, &second, &third};
-    players[static_cast<size_t>(GetParam().scriptThread)]->Do(BecomeScriptThread);
+    players[GetParam()]->Do(BecomeScriptThread);
   }
   // Enters, says who it is, and leaves.
   std::function<void()> Visit(const char* name) {
@@ -273,13 +266,7 @@ TEST_P(Turn, OneThreadOfManyHasIt) {
   EXPECT_EQ(wrong, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Roles, Turn,
-                         testing::Values(Roles{0, true}, Roles{1, true}, Roles{2, true}, Roles{0, false},
-                                         Roles{1, false}, Roles{2, false}),
-                         [](const auto& roles) {
-                           return std::string("ScriptThread") + std::to_string(roles.param.scriptThread) +
-                                  (roles.param.barriers ? "" : "WithoutBarriers");
-                         });
+INSTANTIATE_TEST_SUITE_P(ScriptThreads, Turn, testing::Values(0, 1, 2));
 
 TEST(ScriptTurns, ATurnWithinATurnIsTheSame) {
   const ScriptTurn outer;
