@@ -1,5 +1,6 @@
 #include "http_peer.h"
 
+#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <openssl/pem.h>
 #include <openssl/ssl.h>
@@ -122,11 +123,11 @@ class HttpPeer::Connection {
   bool open_ = true;
 };
 
-HttpPeer::HttpPeer(Kind kind) : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+HttpPeer::HttpPeer(Kind kind, const char* at) : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
   std::signal(SIGPIPE, SIG_IGN);
   sockaddr_in address = {};
   address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  inet_pton(AF_INET, at, &address.sin_addr);
   socklen_t length = sizeof address;
   if (bind(socket_, reinterpret_cast<sockaddr*>(&address), length) != 0 || listen(socket_, 16) != 0 ||
       getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &length) != 0)

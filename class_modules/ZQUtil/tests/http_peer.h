@@ -15,8 +15,9 @@ struct ssl_ctx_st;
 class HttpPeer {
  public:
   enum Kind { kHttp, kHttps };
-  // An HTTPS one proves to be "localhost"; while it lives its certificate is trusted ($ZQ_CA_FILE).
-  explicit HttpPeer(Kind kind);
+  // An HTTPS one proves to be "localhost"; while it lives the certificate of the latest is trusted ($ZQ_CA_FILE).
+  // `address`: of this machine, 127.x.y.z.
+  explicit HttpPeer(Kind kind, const char* address = "127.0.0.1");
   HttpPeer(const HttpPeer&) = delete;
   HttpPeer& operator=(const HttpPeer&) = delete;
   ~HttpPeer();

@@ -181,11 +181,13 @@ TEST_F(UpdateCheckTest, ARefusedConnectionIsTheConnectivityListenersFailure) {
 }
 
 TEST_F(UpdateCheckTest, AServerThatIsNotTheOneItClaimsToBeIsNotReached) {
-  WriteFile("zqapplog.ini", "[config]\nhost=127.0.0.2\nsslport=" + std::to_string(server.Port()) + "\n");
+  HttpPeer other(HttpPeer::kHttps, "127.0.0.2");
+  WriteFile("zqapplog.ini", "[config]\nhost=127.0.0.2\nsslport=" + std::to_string(other.Port()) + "\n");
   Start();
   ListenForConnectivity();
   Check();
   EXPECT_EQ(engine.TakeCalls(), "onConnectFailure()");
+  EXPECT_EQ(other.NextRequest(), "") << "somebody listens there, and is asked nothing";
 }
 
 TEST_F(UpdateCheckTest, AConnectionWithoutAnAnswerIsAReachedServerAllTheSame) {
