@@ -4,6 +4,8 @@
 
 #include "js_text.h"
 #include "property_names.h"
+#include "scope.h"
+#include "text_values.h"
 #include "values.h"
 
 namespace sorel {
@@ -61,6 +63,9 @@ class Filler {
   // Undefined for what is out of date: nothing can name that any more.
   JSValueRef ValueOfWord(Word word) const {
     if (const Draft* draft = FindDraft(batch_, word)) return draft->object;
+    const Scope::Entry* const entry = Scope::Find(word);
+    if (entry != nullptr && entry->value == nullptr)
+      return ValueOfTextWithLock(context_, entry->text, entry->length);
     JSValueRef value = nullptr;
     return ValueOf(context_, word, &value) ? value : JSValueMakeUndefined(context_);
   }

@@ -16,16 +16,17 @@ JSValueRef Make(JSContextRef context, const char* text, size_t length) {
 
 // A short text, and zeros behind it: no text has a NUL, so different texts differ.
 struct ShortText {
-  static constexpr size_t kLongest = 32;
+  static constexpr size_t kLongest = 64;
 
   ShortText() = default;
   ShortText(const char* text, size_t length) { memcpy(words.data(), text, length); }
   bool operator==(const ShortText&) const = default;
 
-  uint64_t Hash() const {
+  // Of a text of that length.
+  uint64_t Hash(size_t length) const {
     uint64_t hash = 0;
-    for (const uint64_t word : words) {
-      hash = (hash ^ word) * 0x9E3779B97F4A7C15;
+    for (size_t i = 0; i * sizeof(uint64_t) < length; ++i) {
+      hash = (hash ^ words[i]) * 0x9E3779B97F4A7C15;
       hash ^= hash >> 32;
     }
     return hash;
@@ -64,10 +65,14 @@ constinit std::array<Place, 1024> g_places{};
 }  // namespace
 
 JSValueRef ValueOfText(JSContextRef context, const char* text, size_t length) {
+  const EngineLock lock;
+  return ValueOfTextWithLock(context, text, length);
+}
+
+JSValueRef ValueOfTextWithLock(JSContextRef context, const char* text, size_t length) {
   if (length >= ShortText::kLongest) return Make(context, text, length);
   const ShortText key(text, length);
-  const uint64_t hash = key.Hash();
-  const EngineLock lock;
+  const uint64_t hash = key.Hash(length);
   return g_places[hash % g_places.size()].Value(context, key, hash, length);
 }
 
