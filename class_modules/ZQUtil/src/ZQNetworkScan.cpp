@@ -11,6 +11,7 @@
 #include "ScanResults.h"
 #include "ScanRetry.h"
 #include "ScanStream.h"
+#include "WirelessLibrary.h"
 #include "WirelessRequest.h"
 #include "WpaElement.h"
 #include "ZQNetwork.h"
@@ -50,7 +51,7 @@ void SetScanType(const NetworkSocket& socket, const char* interface, bool active
 
 // False when there is no scanning.
 bool ReadRange(const NetworkSocket& socket, const char* interface, iw_range* range) {
-  if (iw_get_range_info(socket.Descriptor(), interface, range) < 0 ||
+  if (!LoadWirelessLibrary() || iw_get_range_info(socket.Descriptor(), interface, range) < 0 ||
       range->we_version_compiled < kFirstVersionThatScans) {
     ZQUTIL_TRACE("ZQUtil GetESSIDList failed has_range of %s %d\n", interface,
                  int{range->we_version_compiled});
