@@ -86,13 +86,17 @@ HandleTable::Self Construct(JSObjectRef self) {
 
 // Functions of the engine have the length 0, which no plain assignment changes.
 void SetLength(JSContextRef context, JSObjectRef function, uint32_t length) {
-  JSObjectRef object = GetObjectProperty(context, Runtime::Get().Global(), "Object");
-  JSObjectRef define = object != nullptr ? GetObjectProperty(context, object, "defineProperty") : nullptr;
+  static const JSObjectRef define = [context]() -> JSObjectRef {
+    JSObjectRef object = GetObjectProperty(context, Runtime::Get().Global(), "Object");
+    JSObjectRef found = object != nullptr ? GetObjectProperty(context, object, "defineProperty") : nullptr;
+    if (found != nullptr) JSValueProtect(context, found);
+    return found;
+  }();
   if (define == nullptr) return;
   JSObjectRef descriptor = JSObjectMake(context, nullptr, nullptr);
   SetProperty(context, descriptor, "value", JSValueMakeNumber(context, length));
   const JSValueRef arguments[] = {function, MakeJsValue(context, "length"), descriptor};
-  JSObjectCallAsFunction(context, define, object, std::size(arguments), arguments, nullptr);
+  JSObjectCallAsFunction(context, define, nullptr, std::size(arguments), arguments, nullptr);
 }
 
 }  // namespace
