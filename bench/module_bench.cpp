@@ -3,12 +3,14 @@
 // its result.
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -22,9 +24,14 @@ namespace {
 constexpr int kRounds = 7;
 constexpr double kMillions = 1;  // of calls: their milliseconds over this are nanoseconds a call
 constexpr double kMostPrivateMebibytes = 3;
-// Above the aim: most of it is the loader's work for the sound, display and trace libraries, the rest the key store's
-// three reads, the walk over the time zones and the flushes of four settings at the end.
+constexpr int kStarts = 120;
+// Near the aim where nothing else runs (1.5 to 1.6); a machine that is busy adds what the end waits for: the disk, for one setting's
+// flush, and the simulator's file watches, which the kernel takes its time to drop. Of the work, a millisecond each is
+// the loader's for the module and the sound library, the reads of the construction (time zones, key store, mixer), and
+// the engine's for the class and its time limit.
 constexpr double kMostStart = 2.25;
+// The same without the waits: what a change of the code moves.
+constexpr double kMostStartWork = 1.75;
 
 using Words = std::vector<std::string>;
 
@@ -53,6 +60,26 @@ double PrivateKibibytes(pid_t process) {
     if (word == "Private_Dirty:" && maps >> kibibytes) sum += kibibytes;
   }
   return sum;
+}
+
+// What a whole process costs, in seconds: from its start until its end is seen, and of all processors.
+struct Cost {
+  double time = std::numeric_limits<double>::infinity();
+  double work = std::numeric_limits<double>::infinity();
+};
+
+double WorkOfChildren() {
+  rusage used{};
+  getrusage(RUSAGE_CHILDREN, &used);
+  return static_cast<double>(used.ru_utime.tv_sec + used.ru_stime.tv_sec) +
+         static_cast<double>(used.ru_utime.tv_usec + used.ru_stime.tv_usec) / 1e6;
+}
+
+// The least of all rounds, each for itself.
+void Run(const Words& words, Cost* best) {
+  const double before = WorkOfChildren();
+  best->time = std::min(best->time, bench::Seconds([&] { Output(words); }));
+  best->work = std::min(best->work, WorkOfChildren() - before);
 }
 
 // Private memory of the program when it has printed its first line; the program is ended then.
@@ -88,8 +115,12 @@ int MeasureOnDevice() {
   };
   const Words sorel = {SOREL_PROGRAM, script("first.js", "print(new ZQUtil().getPhoneVolume()); exit(0);\n")};
   const Words bare = {BARE_PROGRAM, script("bare.js", "print(device.answer().length);\n")};
-  const bench::Pair start = bench::Best(
-      40, [&] { Output(sorel); }, [&] { Output(bare); });
+  Cost withModule;
+  Cost least;
+  for (int round = 0; round < kStarts; ++round) {
+    Run(sorel, &withModule);
+    Run(bare, &least);
+  }
 
   const double ours = PrivateMebibytesAtFirstAnswer(
       {SOREL_PROGRAM,
@@ -107,12 +138,15 @@ int MeasureOnDevice() {
     call.theirs = std::min(call.theirs, std::stod(Output(theirCalls)) / kMillions);
   }
 
-  std::printf("start to first answer and end: sorel with ZQUtil %.1f ms, bare host %.1f ms\n",
-              start.ours * 1e3, start.theirs * 1e3);
+  std::printf(
+      "start to first answer and end: sorel with ZQUtil %.1f ms (%.1f ms of work), bare host %.1f ms "
+      "(%.1f)\n",
+      withModule.time * 1e3, withModule.work * 1e3, least.time * 1e3, least.work * 1e3);
   std::printf("private memory: sorel with ZQUtil %.2f MiB, bare host %.2f MiB\n", ours, theirs);
   std::printf("a method with a text as its result: %.0f ns, bare callback %.0f ns\n", call.ours, call.theirs);
-  bool kept =
-      bench::Report("process with the module / bare host (the aim is 1.50)", start.Ratio(), kMostStart);
+  bool kept = bench::Report("process with the module / bare host (the aim is 1.50)",
+                            withModule.time / least.time, kMostStart);
+  kept = bench::Report("its work / the bare host's", withModule.work / least.work, kMostStartWork) && kept;
   kept =
       bench::Report("private memory over the bare host's, MiB", ours - theirs, kMostPrivateMebibytes) && kept;
   return bench::Report("method with a text as its result / bare callback", call.Ratio(), 1.25) && kept ? 0
