@@ -79,6 +79,8 @@ class AboutTest : public ModuleTest {
  protected:
   AboutTest() {
     g_calls.clear();
+    g_ownNames = false;
+    g_silent.clear();
     engine.Table()[ZQ_SLOT_CALL_METHOD_WITH_ARGS] = reinterpret_cast<uintptr_t>(KeepCall);
     Restore();
     WriteFile(kFirmware, "2.1.7\n");
