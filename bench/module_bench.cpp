@@ -25,10 +25,10 @@ constexpr int kRounds = 7;
 constexpr double kMillions = 1;  // of calls: their milliseconds over this are nanoseconds a call
 constexpr double kMostPrivateMebibytes = 3;
 constexpr int kStarts = 120;
-// Near the aim where nothing else runs (1.5 to 1.6); a machine that is busy adds what the end waits for: the disk, for one setting's
-// flush, and the simulator's file watches, which the kernel takes its time to drop. Of the work, a millisecond each is
-// the loader's for the module and the sound library, the reads of the construction (time zones, key store, mixer), and
-// the engine's for the class and its time limit.
+// Near the aim where nothing else runs (1.5 to 1.6); a machine that is busy adds what the end waits for: the disk, for
+// one setting's flush, and the simulator's file watches, which the kernel takes its time to drop. Of the work, a
+// millisecond each is the loader's for the module and the sound library, that of the construction's reads (time zones,
+// key store, mixer), and the engine's for the class and its time limit.
 constexpr double kMostStart = 2.25;
 // The same without the waits: what a change of the code moves.
 constexpr double kMostStartWork = 1.75;
