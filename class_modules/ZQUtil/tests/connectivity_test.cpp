@@ -46,6 +46,9 @@ class ConnectivityTest : public ModuleTest {
     networkFacts = {};
     networkScriptRunning = false;
     g_clock = &clock;
+    g_start = clock.Elapsed();
+    g_reactsTo.clear();
+    TakeEvents();
     onCheckForUpdates = [] { Note("check"); };
     engine.Table()[ZQ_SLOT_CALL_METHOD] = reinterpret_cast<uintptr_t>(NoteCall);
   }

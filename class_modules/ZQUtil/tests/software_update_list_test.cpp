@@ -46,6 +46,7 @@ TEST(SoftwareUpdateList, AReaderKeepsTheListItBeganWith) {
 }
 
 TEST(SoftwareUpdateList, ReadersAndWritersOfAllThreadsSeeWholeLists) {
+  ReleaseSoftwareUpdateList();
   std::atomic<bool> over = false;
   std::atomic<int> wrong = 0;
   std::vector<std::thread> threads;
