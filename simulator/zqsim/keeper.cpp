@@ -3,11 +3,13 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/inotify.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <system_error>
@@ -23,6 +25,26 @@ int OpenLog(const fs::path& root) {
   std::error_code error;
   fs::create_directories(root / "var/log", error);
   return open((root / "var/log/zq-system.log").c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+}
+
+// The descriptor, or a copy of it, above those with a meaning.
+int Above(int descriptor) {
+  return fcntl(descriptor, F_DUPFD_CLOEXEC, kRequests + 1);
+}
+
+// A device has one system, however many programs run on it with one beside them: this one waits while another keeper
+// acts. The turn is the lock of the descriptor that comes back, -1 without a log. Does not return when the lifeline
+// breaks meanwhile.
+int AwaitTurn(const fs::path& root, int lifeline) {
+  static constexpr int kLookMs = 100;
+  const int turn = Above(OpenLog(root));
+  for (bool told = false; turn >= 0 && flock(turn, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;) {
+    if (!told) fprintf(stderr, "zqsim: another program runs on this device; its system acts for both\n");
+    told = true;
+    pollfd wait = {lifeline, POLLIN, 0};
+    if (poll(&wait, 1, kLookMs) > 0) _exit(0);
+  }
+  return turn;
 }
 
 // Events in the folder in which programs ask the system to act; -1 when there are none to be had.
@@ -52,13 +74,8 @@ int WatchRequests(const fs::path& root) {
   _exit(127);
 }
 
-// The descriptor, or a copy of it, above those with a meaning.
-int Above(int descriptor) {
-  return fcntl(descriptor, F_DUPFD_CLOEXEC, kRequests + 1);
-}
-
 // What others wait for the end of is not held open here.
-void CloseAllBut(std::array<int, 3> kept) {
+void CloseAllBut(std::array<int, 4> kept) {
   std::sort(kept.begin(), kept.end());
   unsigned first = 0;
   for (const int one : kept) {
@@ -84,6 +101,7 @@ void Keep(const KeeperTask& task) {
   setpgid(0, 0);
   signal(SIGPIPE, SIG_IGN);
   const KeeperTask mine{task.root, task.program, task.boot, Above(task.lifeline), Above(task.requests)};
+  const int turn = AwaitTurn(task.root, mine.lifeline);
   const int log = Above(OpenLog(task.root));
   const int watch = Above(WatchRequests(task.root));
   int feed[2] = {-1, -1};
@@ -92,7 +110,7 @@ void Keep(const KeeperTask& task) {
   const int words = Above(feed[1]);
   fcntl(scripts, F_SETFL, 0);
   if (fork() == 0) BecomeSystem(mine, scripts, log);
-  CloseAllBut({mine.lifeline, watch, words});
+  CloseAllBut({mine.lifeline, watch, words, turn});
   pollfd waits[2] = {{mine.lifeline, POLLIN, 0}, {watch, POLLIN, 0}};
   for (;;) {
     if (poll(waits, 2, -1) < 0) continue;

@@ -47,6 +47,26 @@ same "without the system a request stays" do_S12 "$answer"
 answer=$(system "$await_file; until_there /tmp/done_S12; ls /tmp")
 same "one that was there before is served" done_S12 "$answer"
 
+# Two programs with the system beside them: one system acts, and the other takes its place when it has ended.
+rm -f "$device/tmp/done_S12"
+cp "$device/etc/zq/board.sh" "$folder/board.sh"
+echo 'wait_ms() { log asked; }' >> "$device/etc/zq/board.sh"
+system "$await_file; : > /tmp/first; until_there /tmp/over" 2>>"$folder/said" &
+first=$!
+system "$await_file
+  until_there /tmp/first; printf 1 > /tmp/do_S12; until_there /tmp/done_S12; rm /tmp/done_S12
+  : > /tmp/over; until_there /tmp/ended
+  printf 1 > /tmp/do_S12; until_there /tmp/done_S12; rm /tmp/done_S12" 2>>"$folder/said" &
+second=$!
+wait "$first"
+: > "$device/tmp/ended"
+wait "$second"
+same "each of two programs is served" 0 $?
+same "each request is served once" 2 "$(grep -c 'S12network: asked' "$device/var/log/zq-system.log")"
+same "one of them says so" 1 "$(grep -c 'its system acts for both' "$folder/said")"
+rm -f "$device/tmp/first" "$device/tmp/over" "$device/tmp/ended"
+mv "$folder/board.sh" "$device/etc/zq/board.sh"
+
 # Asked again while it is at work, the network is restarted again, and each end is told. An answer of the cable's other
 # end takes until it is allowed.
 cp "$device/etc/zq/board.sh" "$folder/board.sh"
