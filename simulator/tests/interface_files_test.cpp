@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <string>
 
@@ -18,11 +17,7 @@ std::string OfDevice(const std::string& path) {
 
 // As a person does, in another tick of the file system's clock than whatever was written before.
 void Edit(const std::string& path, const std::string& text) {
-  timespec before{};
-  clock_gettime(CLOCK_REALTIME_COARSE, &before);
-  for (timespec now = before; now.tv_sec == before.tv_sec && now.tv_nsec == before.tv_nsec;) {
-    clock_gettime(CLOCK_REALTIME_COARSE, &now);
-  }
+  AwaitFileTick();
   WriteFile(OfDevice(path), text);
 }
 

@@ -1,6 +1,7 @@
 #include "temp_dir.h"
 
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -21,6 +22,14 @@ TempDir::~TempDir() {
 std::string ReadFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void AwaitFileTick() {
+  timespec before{};
+  clock_gettime(CLOCK_REALTIME_COARSE, &before);
+  for (timespec now = before; now.tv_sec == before.tv_sec && now.tv_nsec == before.tv_nsec;) {
+    clock_gettime(CLOCK_REALTIME_COARSE, &now);
+  }
 }
 
 void WriteFile(const std::string& path, const std::string& bytes) {

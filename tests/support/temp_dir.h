@@ -25,5 +25,8 @@ class TempDir {
 // The whole file, or "" when it cannot be read.
 std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::string& bytes);
+// Returns in another tick of the clock by which the system dates files: what is written from now on differs by its date
+// from whatever was written before.
+void AwaitFileTick();
 
 #endif

@@ -195,6 +195,7 @@ TEST_P(IniDurabilityTest, AFileThatIsOnTheDiskIsBroughtThereAgainOnlyAfterAChang
   // Another program writes the same bytes anew.
   const std::string bytes = ReadFile(file_);
   std::filesystem::remove(file_);
+  AwaitFileTick();
   WriteFile(file_, bytes);
   EXPECT_EQ(syncs("b", "y", "3"), 2);
 }
