@@ -45,13 +45,15 @@ bool HasHashedNames(const std::string& folder) {
   return false;
 }
 
-// The system's folder where there is one; its bundle has the same, but all of it is read for each connection.
+// The system's folder where there is one; its bundle has the same, but all of it is read for each connection. What the
+// folder holds is looked at only where there is a choice.
 void LoadSystems(X509_STORE* store) {
   const char* folder = X509_get_default_cert_dir();
   const char* bundle = X509_get_default_cert_file();
-  if (HasHashedNames(folder)) {
+  const bool hasBundle = access(bundle, F_OK) == 0;
+  if (hasBundle ? HasHashedNames(folder) : IsFolder(folder)) {
     Load(store, folder);
-  } else if (access(bundle, F_OK) == 0) {
+  } else if (hasBundle) {
     Load(store, bundle);
   }
 }
