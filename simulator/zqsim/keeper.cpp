@@ -34,13 +34,15 @@ int Above(int descriptor) {
 
 // A device has one system, however many programs run on it with one beside them: this one waits while another keeper
 // acts. The turn is the lock of the descriptor that comes back, -1 without a log. Does not return when the lifeline
-// breaks meanwhile.
+// breaks meanwhile. One that is about to end, since its program has, is not worth a word.
 int AwaitTurn(const fs::path& root, int lifeline) {
   static constexpr int kLookMs = 100;
+  static constexpr int kToldAfterLooks = 10;
   const int turn = Above(OpenLog(root));
-  for (bool told = false; turn >= 0 && flock(turn, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;) {
-    if (!told) fprintf(stderr, "zqsim: another program runs on this device; its system acts for both\n");
-    told = true;
+  for (int looks = 0; turn >= 0 && flock(turn, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK; ++looks) {
+    if (looks == kToldAfterLooks) {
+      fprintf(stderr, "zqsim: another program runs on this device; its system acts for both\n");
+    }
     pollfd wait = {lifeline, POLLIN, 0};
     if (poll(&wait, 1, kLookMs) > 0) _exit(0);
   }

@@ -1,6 +1,7 @@
 """Starts the tools as a person would, and talks to the server byte by byte."""
 
 import atexit
+import fcntl
 import os
 import shutil
 import signal
@@ -61,6 +62,16 @@ def cut_power(process, device):
         if time.monotonic() > deadline:
             raise AssertionError(f"something runs on {device} without power")
         time.sleep(0.01)
+    # The last thing that goes of its system, after all that can be seen of it.
+    with open(os.path.join(device, "var", "log", "zq-system.log"), "rb") as turn:
+        while True:
+            try:
+                fcntl.flock(turn, fcntl.LOCK_EX | fcntl.LOCK_NB)
+                return
+            except BlockingIOError as error:
+                if time.monotonic() > deadline:
+                    raise AssertionError(f"the system of {device} goes on without power") from error
+                time.sleep(0.01)
 
 
 class Server:
