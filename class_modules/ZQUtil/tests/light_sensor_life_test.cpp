@@ -225,6 +225,9 @@ TEST_F(LightSensorLifeTest, AScreenLivesOnWhereNoThreadCanBeStarted) {
 // The kernel keeps fifteen characters.
 TEST_F(LightSensorLifeTest, TheThreadsCarryTheirNames) {
   New();
+  // Each takes on its name as it begins.
+  Settle();
+  clock.AwaitSleepers(1);
   std::string names;
   for (const auto& task : fs::directory_iterator("/proc/self/task")) {
     names += ReadFile(task.path().string() + "/comm");
